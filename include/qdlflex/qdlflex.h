@@ -14,10 +14,10 @@
 
 #if defined(__GNUC__)
 #define QDL_API __attribute__((visibility("default")))
-#define QDL_PRINTF(format, first) __attribute__((format(printf, format, first)))
+#define QDL_PRINTF(text, rest) __attribute__((format(printf, text, rest)))
 #else
 #define QDL_API
-#define QDL_PRINTF(format, first)
+#define QDL_PRINTF(text, rest)
 #endif
 
 #ifdef __cplusplus
