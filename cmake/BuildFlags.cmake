@@ -1,0 +1,17 @@
+# Compile and link flags of everything built here. Nothing of this reaches a program that uses the
+# installed library.
+
+add_library(qdlflex_flags INTERFACE)
+
+target_compile_options(qdlflex_flags INTERFACE
+  -Wall -Wextra -Wconversion
+  $<$<BOOL:${QDLFLEX_WERROR}>:-Werror>
+  # Fused multiply-add would make results depend on the machine.
+  -ffp-contract=off)
+
+if(QDLFLEX_SANITIZE)
+  set(sanitizer_flags -fsanitize=${QDLFLEX_SANITIZE} -fno-sanitize-recover=all
+                      -fno-omit-frame-pointer)
+  target_compile_options(qdlflex_flags INTERFACE ${sanitizer_flags})
+  target_link_options(qdlflex_flags INTERFACE ${sanitizer_flags})
+endif()

@@ -1,0 +1,28 @@
+include(CMakePackageConfigHelpers)
+
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/qdlflex)
+set(generated_dir ${PROJECT_BINARY_DIR}/cmake)
+
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/qdlflex
+  DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
+  FILES_MATCHING PATTERN "*.h" PATTERN "*.hpp")
+install(TARGETS ${QDLFLEX_LIBRARIES} EXPORT qdlflexTargets)
+install(EXPORT qdlflexTargets NAMESPACE qdlflex:: DESTINATION ${package_dir})
+
+configure_package_config_file(
+  ${PROJECT_SOURCE_DIR}/cmake/qdlflexConfig.cmake.in ${generated_dir}/qdlflexConfig.cmake
+  INSTALL_DESTINATION ${package_dir})
+# Before 1.0 a new minor version may break programs.
+write_basic_package_version_file(${generated_dir}/qdlflexConfigVersion.cmake
+  COMPATIBILITY SameMinorVersion)
+install(FILES ${generated_dir}/qdlflexConfig.cmake ${generated_dir}/qdlflexConfigVersion.cmake
+  DESTINATION ${package_dir})
+
+# The folders may be given absolute; pkg-config wants them as they will be.
+configure_file(${PROJECT_SOURCE_DIR}/cmake/qdlflex.pc.in ${generated_dir}/qdlflex.pc @ONLY)
+install(FILES ${generated_dir}/qdlflex.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+file(GLOB man_pages CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/man/man1/*.1)
+if(QDLFLEX_BUILD_CLI AND man_pages)
+  install(FILES ${man_pages} DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+endif()
