@@ -1,0 +1,65 @@
+// What every test of the C interface shares: recorded messages, a directory of its own, and a check
+// that nothing is left behind.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace qdltest {
+
+// Sets a variable, or removes it for a null value, until the end of the scope.
+class ScopedEnvironment {
+ public:
+  ScopedEnvironment(const std::string &name, const char *value);
+  ~ScopedEnvironment();
+  ScopedEnvironment(const ScopedEnvironment &) = delete;
+  ScopedEnvironment &operator=(const ScopedEnvironment &) = delete;
+
+ private:
+  std::string name_;
+  std::optional<std::string> before_;
+};
+
+std::size_t open_descriptors();
+
+void write_file(const std::filesystem::path &path, const std::vector<std::uint8_t> &bytes);
+std::vector<std::uint8_t> read_file(const std::filesystem::path &path);
+
+// Installs the three message handlers, gives the test an empty directory for its files and the
+// library's temporary files, and starts from an environment without any of the library's variables.
+// At the end every model is destroyed; then no temporary file and no descriptor may be left.
+class MessageFixture : public testing::Test {
+ public:
+  std::vector<std::string> errors, warnings, infos;
+
+ protected:
+  MessageFixture();
+  ~MessageFixture() override;
+  void SetUp() override;
+  void TearDown() override;
+
+  const std::filesystem::path &directory() const { return directory_; }
+  // The full name of a file in the directory; the second form also writes it.
+  std::string path(const std::string &name) const { return (directory_ / name).string(); }
+  std::string file(const std::string &name, const std::vector<std::uint8_t> &bytes) const;
+
+  void clear_messages();
+  void expect_no_messages() const;
+  // This error once, and neither another error nor a warning.
+  void expect_only_error(const std::string &text) const;
+  void expect_only_warnings(const std::vector<std::string> &texts) const;
+
+ private:
+  std::filesystem::path directory_;
+  std::vector<std::unique_ptr<ScopedEnvironment>> environment_;
+  std::size_t descriptors_before_ = 0;
+};
+
+}  // namespace qdltest
