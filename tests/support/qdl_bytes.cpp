@@ -410,6 +410,7 @@ SampleFile build_file(std::int32_t version_code, const std::set<int> &blocks,
   file.version_code = version_code;
   file.encoding = encoding_of(version_code);
   file.precision = precision_of(version_code);
+  file.blocks = blocks;
   QdlBytes out(file.encoding, file.precision);
   for (int id = 1; id <= kLastBlock; ++id) {
     file.offset.at(static_cast<std::size_t>(id)) = out.size();

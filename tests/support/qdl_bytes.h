@@ -191,6 +191,7 @@ struct SampleFile {
   std::int32_t version_code;
   Encoding encoding;
   Precision precision;
+  std::set<int> blocks;
   std::vector<std::uint8_t> bytes;
   std::array<std::size_t, 39> offset;  // start of block `id`; [38] is the end of the file
   std::vector<CountField> counts;
