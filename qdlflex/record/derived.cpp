@@ -1,0 +1,28 @@
+#include "record/derived.h"
+
+namespace qdlflex {
+
+void drop_derived_invariants(QDL_Record &record, std::initializer_list<int> numbers) {
+  for (const int number : numbers) {
+    InvariantSlot &slot = record.invariants[static_cast<std::size_t>(number)];
+    if (slot.origin == Origin::kDerived)
+      slot = InvariantSlot{};
+  }
+}
+
+void forget_statistics(QDL_Record &record, std::int32_t kind, std::int32_t mode_index) {
+  const auto mode = static_cast<std::size_t>(mode_index);
+  if (mode >= record.statistics.modes.size())
+    return;
+  ModalStatistics &statistics = record.statistics.modes[mode];
+  const auto forget = [&](std::size_t slot) {
+    statistics.node_ids[slot] = 0;
+    statistics.values[slot] = 0.0;
+  };
+  // Displacement and rotation come from the mode shapes, slots 2 and 3 from stress and strain.
+  if (kind == kModeShapes)
+    forget(0);
+  forget(static_cast<std::size_t>(kind) + 1);
+}
+
+}  // namespace qdlflex

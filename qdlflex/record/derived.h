@@ -1,0 +1,17 @@
+#pragma once
+
+#include <initializer_list>
+
+#include "record/record.h"
+
+namespace qdlflex {
+
+// What setters and other edits must forget, because it was derived from the data that they change.
+
+/// Empties the given invariants where the library derived them; supplied ones stay.
+void drop_derived_invariants(QDL_Record &record, std::initializer_list<int> numbers);
+
+/// Makes the statistics of one mode that depend on a kind of mode data unknown.
+void forget_statistics(QDL_Record &record, std::int32_t kind, std::int32_t mode_index);
+
+}  // namespace qdlflex
