@@ -18,9 +18,12 @@ write_basic_package_version_file(${generated_dir}/qdlflexConfigVersion.cmake
 install(FILES ${generated_dir}/qdlflexConfig.cmake ${generated_dir}/qdlflexConfigVersion.cmake
   DESTINATION ${package_dir})
 
-# The folders may be given absolute; pkg-config wants them as they will be.
+# The package file finds its prefix by where it lies, as the CMake package does.
+set(pkgconfig_dir ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+file(RELATIVE_PATH pkgconfig_to_prefix
+  ${CMAKE_INSTALL_PREFIX}/${pkgconfig_dir} ${CMAKE_INSTALL_PREFIX})
 configure_file(${PROJECT_SOURCE_DIR}/cmake/qdlflex.pc.in ${generated_dir}/qdlflex.pc @ONLY)
-install(FILES ${generated_dir}/qdlflex.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+install(FILES ${generated_dir}/qdlflex.pc DESTINATION ${pkgconfig_dir})
 
 file(GLOB man_pages CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/man/man1/*.1)
 if(QDLFLEX_BUILD_CLI AND man_pages)
