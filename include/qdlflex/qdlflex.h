@@ -144,8 +144,7 @@ QDL_API int32_t QDL_IsValid(const QDL_Record *model);
 
 /** Drops one reference; destroys the model when it was the last.
  * @param model handle; not listed: ignored
- * @return references left; 0 when the model was destroyed or is not listed. @since 0.1, slot
- *   106 */
+ * @return references left; 0 when it was destroyed or is not listed. @since 0.1, slot 106 */
 QDL_API int32_t QDL_DeReference(QDL_Record *model);
 
 /** Destroys a model whatever its reference count: closes its file, removes its temporary files.
@@ -351,8 +350,7 @@ QDL_API int32_t QDL_NodeIndex(QDL_Record *model, int32_t nodeId);
 
 /** Coordinates of a node.
  * @param model handle; null: silent @param index node index @param xyz receives x, y, z (length)
- * @return 1; bad index: 0 and zeros; null handle or no nodes: 0, `xyz` untouched. @since 0.1,
- *   slot 34 */
+ * @return 1; bad index: 0 and zeros; null or no nodes: 0, `xyz` untouched. @since 0.1, slot 34 */
 QDL_API int32_t QDL_NodeCoordinates(QDL_Record *model, int32_t index, double *xyz);
 
 /** Coordinates of all nodes in node order.
@@ -369,8 +367,7 @@ QDL_API double QDL_NodalMass(QDL_Record *model, int32_t index);
 /** Rotary inertia of a node.
  * @param model handle; null: silent @param index node index
  * @param tensor receives the symmetric 3 x 3 tensor (mass length^2), 9 values
- * @return 1; 0, `tensor` untouched, for a bad index or a node without inertia. @since 0.1, slot
- *   42 */
+ * @return 1; 0, untouched, for a bad index or a node without inertia. @since 0.1, slot 42 */
 QDL_API int32_t QDL_NodalInertia(QDL_Record *model, int32_t index, double *tensor);
 
 /** Mass and coordinates of a node.
@@ -511,8 +508,7 @@ QDL_API int32_t QDL_SetTransformation(QDL_Record *model, const double *matrix);
 
 /** Version number of the model.
  * @param model handle; null: silent
- * @return ten times the format version, such as 31 (new models) or 60; 0 for null. @since 0.1,
- *   slot 103 */
+ * @return ten times the format version, 31 in new models; 0 for null. @since 0.1, slot 103 */
 QDL_API int32_t QDL_Version(QDL_Record *model);
 
 /** Sets the version number; changes neither how data is read nor QDL_Double_Prec().
@@ -851,8 +847,7 @@ QDL_API int32_t QDL_SetMonitorPointInfo(QDL_Record *model, int32_t type, int32_t
  * @param model handle @param point point index; out of range: reported
  * @param op 1 to 4, else reported
  * @param data rows x M values, for the load operator once per load matrix
- * @return 0; -1 also for an operator of no size (allocation message) or null data. @since 0.1,
- *   slot 147 */
+ * @return 0; -1 also for no size (allocation message) or null data. @since 0.1, slot 147 */
 QDL_API int32_t QDL_SetMonitorPointOperator(QDL_Record *model, int32_t point, int32_t op,
                                             const double *data);
 
@@ -998,8 +993,7 @@ QDL_API extern const QDL_UnitEntry QDL_TimeUnits[8];
 /** Declares the units of a model that has none, or converts the model to other units.
  * @param model handle; null: reported
  * @param mass,length,time,force unit names; characters beyond 15 are ignored
- * @return 1; 0, silent, nothing changed, for a null, rejected or unknown name. @since 0.1, slot
- *   13 */
+ * @return 1; 0, silent, nothing changed, for a null or unknown name. @since 0.1, slot 13 */
 QDL_API int32_t QDL_SetUnits(QDL_Record *model, const char *mass, const char *length,
                              const char *time, const char *force);
 
@@ -1029,25 +1023,25 @@ QDL_API const char *QDL_UnitsLabel(double factor, const QDL_UnitEntry *table);
 
 /** Converts a mass to kilogram.
  * @param model handle; null: silent @param value mass in the model's unit
- * @return kilogram; the value itself without a unit; 0.0 for null or an unknown unit. @since
- *   0.1, slot 16 */
+ * @return kilogram; the value itself without a unit; 0.0 for null or unknown unit. @since 0.1,
+ *   slot 16 */
 QDL_API double QDL_Mass2Kilogram(QDL_Record *model, double value);
 
 /** Converts a length to metre.
  * @param model handle; null: silent @param value length in the model's unit
- * @return metre; the value itself without a unit; 0.0 for null or an unknown unit. @since 0.1,
+ * @return metre; the value itself without a unit; 0.0 for null or unknown unit. @since 0.1,
  *   slot 18 */
 QDL_API double QDL_Length2Meter(QDL_Record *model, double value);
 
 /** Converts a time to second.
  * @param model handle; null: silent @param value time in the model's unit
- * @return second; the value itself without a unit; 0.0 for null or an unknown unit. @since 0.1,
+ * @return second; the value itself without a unit; 0.0 for null or unknown unit. @since 0.1,
  *   slot 19 */
 QDL_API double QDL_Time2Second(QDL_Record *model, double value);
 
 /** Converts a force to newton.
  * @param model handle; null: silent @param value force in the model's unit
- * @return newton; the value itself without a unit; 0.0 for null or an unknown unit. @since 0.1,
+ * @return newton; the value itself without a unit; 0.0 for null or unknown unit. @since 0.1,
  *   slot 17 */
 QDL_API double QDL_Force2Newton(QDL_Record *model, double value);
 
@@ -1271,8 +1265,7 @@ QDL_API int32_t CheckQDL(QDL_Record *model);
 
 /** Tells whether the model holds the data of a block.
  * @param model handle; null: reported @param index block index
- * @return 1 for indices 0 to 2, the presence byte for 3 to 36, 0 for any other. @since 0.1,
- *   slot 126 */
+ * @return 1 for indices 0 to 2, the presence byte for 3 to 36, else 0. @since 0.1, slot 126 */
 QDL_API int32_t QDL_Exists(QDL_Record *model, int32_t index);
 
 /** Moves the model's file to the start of a block.
