@@ -1023,25 +1023,22 @@ QDL_API const char *QDL_UnitsLabel(double factor, const QDL_UnitEntry *table);
 
 /** Converts a mass to kilogram.
  * @param model handle; null: silent @param value mass in the model's unit
- * @return kilogram, unchanged without a unit; 0.0 for null or an unknown unit. @since 0.1, slot
- *   16 */
+ * @return kilogram, the same without a unit; 0.0 for null or unknown unit. @since 0.1, slot 16 */
 QDL_API double QDL_Mass2Kilogram(QDL_Record *model, double value);
 
 /** Converts a length to metre.
  * @param model handle; null: silent @param value length in the model's unit
- * @return metre, unchanged without a unit; 0.0 for null or an unknown unit. @since 0.1, slot 18 */
+ * @return metre, the same without a unit; 0.0 for null or unknown unit. @since 0.1, slot 18 */
 QDL_API double QDL_Length2Meter(QDL_Record *model, double value);
 
 /** Converts a time to second.
  * @param model handle; null: silent @param value time in the model's unit
- * @return second, unchanged without a unit; 0.0 for null or an unknown unit. @since 0.1, slot
- *   19 */
+ * @return second, the same without a unit; 0.0 for null or unknown unit. @since 0.1, slot 19 */
 QDL_API double QDL_Time2Second(QDL_Record *model, double value);
 
 /** Converts a force to newton.
  * @param model handle; null: silent @param value force in the model's unit
- * @return newton, unchanged without a unit; 0.0 for null or an unknown unit. @since 0.1, slot
- *   17 */
+ * @return newton, the same without a unit; 0.0 for null or unknown unit. @since 0.1, slot 17 */
 QDL_API double QDL_Force2Newton(QDL_Record *model, double value);
 
 /** Unit consistency factor: force time^2 / (length mass) in SI values of the model's units.
