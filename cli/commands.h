@@ -1,0 +1,15 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <functional>
+
+namespace qdlflex::cli {
+
+/// What the command line asks for. Does it and throws a Failure if that cannot be done.
+using Job = std::function<void()>;
+
+/// Each adds a subcommand that, when chosen, puts its work into `job`.
+void add_import_command(CLI::App &app, Job &job);
+void add_info_command(CLI::App &app, Job &job);
+
+}  // namespace qdlflex::cli

@@ -1,0 +1,39 @@
+#include <qdlflex/qdlflex.h>
+
+#include <exception>
+
+#include "commands.h"
+#include "console.h"
+
+namespace {
+
+enum ExitCode { exit_done = 0, exit_failed = 1, exit_usage = 2 };
+
+}  // namespace
+
+int main(int argc, char **argv) {
+  using namespace qdlflex::cli;
+
+  CLI::App app("Work with QDL files: modal flexible bodies.", "qdlflex");
+  app.set_version_flag("--version", "qdlflex " QDLFLEX_VERSION_STRING);
+  app.require_subcommand(1);
+  Job job;
+  add_import_command(app, job);
+  add_info_command(app, job);
+
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError &error) {
+    return app.exit(error) == 0 ? exit_done : exit_usage;
+  }
+
+  int result = exit_done;
+  try {
+    job();
+  } catch (const std::exception &error) {
+    print_error(error.what());
+    result = exit_failed;
+  }
+  QDL_Terminate();
+  return result;
+}
