@@ -13,6 +13,10 @@ Source::~Source() {
 }
 
 bool Source::skip(std::int64_t bytes) {
+  // Seeking drops what the stream has buffered, so short gaps are read over.
+  constexpr std::int64_t kShort = 4096;
+  if (bytes <= kShort)
+    return bytes >= 0 && block(bytes) != nullptr;
   const std::int64_t position = tell();
   return position >= 0 && bytes <= INT64_MAX - position && seek(position + bytes);
 }
@@ -71,7 +75,8 @@ bool Source::characters(char *text, std::size_t count) {
 }
 
 const unsigned char *Source::block(std::int64_t bytes) {
-  block_.resize(std::max(block_.size(), static_cast<std::size_t>(bytes)));
+  // Never empty, so that no bytes at all have an address too.
+  block_.resize(std::max({block_.size(), static_cast<std::size_t>(bytes), std::size_t{1}}));
   return file_.read(block_.data(), static_cast<std::size_t>(bytes)) ? block_.data() : nullptr;
 }
 

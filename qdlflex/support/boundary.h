@@ -24,6 +24,19 @@ Result guarded(const char *area, Result failure, Body &&body,
   return failure;
 }
 
+/// Runs `body` where an area has a message of its own for memory that could not be had; false then.
+template <class Body>
+bool with_memory(Body &&body) noexcept {
+  try {
+    std::forward<Body>(body)();
+    return true;
+  } catch (const std::bad_alloc &) {
+    return false;
+  } catch (const std::length_error &) {
+    return false;
+  }
+}
+
 /// For functions that act on a model: a null handle is reported, then `failure` returned; otherwise
 /// the result of `body(*model)`.
 template <class Model, class Result, class Body>

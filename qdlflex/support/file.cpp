@@ -70,7 +70,7 @@ void remove_regular_file(const std::string &name) {
     ::unlink(name.c_str());
 }
 
-File::File(std::FILE *stream, std::string name) : stream_(stream), name_(std::move(name)) {}
+File::File(std::string name) : name_(std::move(name)) {}
 
 File::~File() {
   unmap();
@@ -79,14 +79,21 @@ File::~File() {
     remove_regular_file(name_);
 }
 
+std::shared_ptr<File> File::adopt(std::FILE *stream, const char *name) {
+  std::unique_ptr<std::FILE, int (*)(std::FILE *)> owned(stream, &std::fclose);
+  auto file = std::make_shared<File>(name);
+  file->stream_ = owned.release();
+  return file;
+}
+
 std::shared_ptr<File> File::open(const std::string &name, const char *mode) {
-  auto file = std::make_shared<File>(nullptr, name);
+  auto file = std::make_shared<File>(name);
   file->stream_ = open_stream(name.c_str(), mode);
   return file->stream_ == nullptr ? nullptr : file;
 }
 
 std::shared_ptr<File> File::create_temporary(std::string &name) {
-  auto file = std::make_shared<File>(nullptr, name);
+  auto file = std::make_shared<File>(name);
   if (file_fault(FileOperation::kOpen))
     return nullptr;
   const int descriptor = create_descriptor(name);

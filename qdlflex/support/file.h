@@ -39,13 +39,15 @@ void remove_regular_file(const std::string &name);
 /// operations don't, bypass the stream's buffer and are retried until done, end of file or error.
 class File {
  public:
-  /// Takes over an open stream.
-  File(std::FILE *stream, std::string name);
+  explicit File(std::string name);
   /// Closes; a temporary file is removed as well.
   ~File();
   File(const File &) = delete;
   File &operator=(const File &) = delete;
 
+  /// Takes over an open stream, which is closed when memory for the rest can't be had.
+  static std::shared_ptr<File> adopt(std::FILE *stream, const char *name);
+  /// Null when it can't be opened.
   static std::shared_ptr<File> open(const std::string &name, const char *mode);
   /// A new temporary file, readable by the owner only: `name` when it is not empty (emptied if it
   /// exists), else a fresh name with the prefix "qdl_" in the temporary directory. `name` receives
@@ -82,7 +84,7 @@ class File {
  private:
   void unmap();
 
-  std::FILE *stream_;
+  std::FILE *stream_ = nullptr;
   std::string name_;
   bool temporary_ = false;
   std::byte *mapping_ = nullptr;
