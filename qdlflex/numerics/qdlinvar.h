@@ -1,0 +1,17 @@
+#pragma once
+
+#include "record/record.h"
+
+namespace qdlflex {
+
+// Invariant 6 has no slot: it is the generalized mass.
+
+/// Fills an empty slot from the invariant's block of the record's file, converted to the model's
+/// units. Whether the slot now holds values that were supplied, by a setter or the file.
+bool load_invariant(QDL_Record &record, int number);
+
+/// The inertia invariant, obtained on first use: from the record's file, else a rigid one derived
+/// from its other data. A modal one is laid out for the present modes, or empty.
+const InvariantSlot &obtain_invariant(QDL_Record &record, int number);
+
+}  // namespace qdlflex

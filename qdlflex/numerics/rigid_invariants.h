@@ -1,0 +1,17 @@
+#pragma once
+
+#include <vector>
+
+#include "record/record.h"
+
+namespace qdlflex {
+
+/// Turns the products of inertia of a tensor, its off-diagonal entries, into their negatives: from
+/// the signs of an invariant to those of the global mass properties and back.
+Matrix3 negate_products(Matrix3 inertia);
+
+/// Invariant 1, 2 or 7: summed over the nodes where there are nodal masses, else from the global
+/// mass properties, else zeros.
+std::vector<double> derive_rigid_invariant(const QDL_Record &record, int number);
+
+}  // namespace qdlflex
