@@ -1,9 +1,11 @@
 #include <algorithm>
+#include <utility>
 #include <vector>
 
 #include <qdlflex/qdlflex.h>
 
 #include "record/record.h"
+#include "record/square_matrix.h"
 #include "support/boundary.h"
 
 namespace qdlflex {
@@ -16,11 +18,9 @@ void fit(RotorMatrix &matrix, std::int32_t modes) {
   if (matrix.dimension == modes)
     return;
   const auto size = static_cast<std::size_t>(modes);
-  const auto old_size = static_cast<std::size_t>(matrix.dimension);
   std::vector<double> values(size * size);
-  const std::size_t common = std::min(size, old_size);
-  for (std::size_t row = 0; row < common; ++row)
-    std::copy_n(matrix.values.data() + row * old_size, common, values.data() + row * size);
+  copy_square(matrix.values.data(), static_cast<std::size_t>(matrix.dimension), values.data(),
+              size);
   matrix.values = std::move(values);
   matrix.dimension = modes;
 }
