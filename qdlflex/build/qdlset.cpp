@@ -1,4 +1,4 @@
-#include <array>
+#include <memory>
 
 #include <qdlflex/qdlflex.h>
 
@@ -30,13 +30,6 @@ Vector6 &inertia_to_set(Node &node) {
   if (node.inertia == nullptr)
     node.inertia = std::make_unique<Vector6>();
   return *node.inertia;
-}
-
-/// Where an entry of the symmetric tensor stands among xx, yy, zz, xy, xz, yz. Rows and columns
-/// count from 1.
-std::size_t inertia_place(std::int32_t row, std::int32_t column) {
-  constexpr std::array<std::array<std::size_t, 3>, 3> kPlaces = {{{0, 3, 4}, {3, 1, 5}, {4, 5, 2}}};
-  return kPlaces[static_cast<std::size_t>(row - 1)][static_cast<std::size_t>(column - 1)];
 }
 
 void add_interface_node(QDL_Record &record, std::int32_t node_index) {
@@ -112,7 +105,9 @@ int32_t QDL_SetNodalInertiaEntry(QDL_Record *model, int32_t nodeId, int32_t row,
   return with_model(model, kArea, 0, [&](QDL_Record &record) {
     if (row < 1 || row > 3 || column < 1 || column > 3)
       return 0;
-    inertia_to_set(node_to_set(record, nodeId))[inertia_place(row, column)] = value;
+    const std::size_t place =
+        symmetric_place(static_cast<std::size_t>(row - 1), static_cast<std::size_t>(column - 1));
+    inertia_to_set(node_to_set(record, nodeId))[place] = value;
     note_changed_inertia(record);
     return 1;
   });

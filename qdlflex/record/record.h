@@ -20,6 +20,16 @@ using Vector3 = std::array<double, 3>;
 using Matrix3 = std::array<double, 9>;  // row by row
 using Vector6 = std::array<double, 6>;
 
+/// The matrix of a symmetric tensor given as xx, yy, zz, xy, xz, yz.
+constexpr Matrix3 symmetric_matrix(const Vector6 &six) {
+  return {six[0], six[3], six[4], six[3], six[1], six[5], six[4], six[5], six[2]};
+}
+
+/// Where an entry stands among those six; rows and columns count from 0.
+constexpr std::size_t symmetric_place(std::size_t row, std::size_t column) {
+  return row == column ? row : row + column + 2;
+}
+
 constexpr std::int32_t kUnknownNode = -1;
 constexpr std::int32_t kNoIndex = -1;
 
