@@ -59,6 +59,22 @@ InvariantShape invariant_shape(int number, std::int32_t modes) {
   }
 }
 
+Block invariant_block(int number) {
+  constexpr std::array<Block, kLastInvariant + 1> kBlocks = {
+      Block{},
+      Block::kInvariant1,
+      Block::kInvariant2,
+      Block::kInvariant3,
+      Block::kInvariant4,
+      Block::kInvariant5,
+      Block{},
+      Block::kInvariant7,
+      Block::kInvariant8,
+      Block::kInvariant9,
+  };
+  return kBlocks[static_cast<std::size_t>(number)];
+}
+
 bool is_modal_invariant(int number) {
   return number != 1 && number != 2 && number != 7;
 }

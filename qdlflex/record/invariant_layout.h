@@ -29,6 +29,9 @@ struct InvariantShape {
 
 InvariantShape invariant_shape(int number, std::int32_t modes);
 
+/// The block of a file that holds the invariant; number 6 has none.
+Block invariant_block(int number);
+
 /// Whether the invariant depends on the number of modes.
 bool is_modal_invariant(int number);
 
