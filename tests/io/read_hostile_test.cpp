@@ -120,8 +120,8 @@ TEST_F(Hostile, ProductsOfCountsOverflow) {
       {"4.N", "4.d"},   {"5.e", "5.k"},   {"8.M", "8.N"},   {"9.N", "9.k"},
       {"18.M", "18.N"}, {"28.M", "28.L"}, {"29.M", "29.N"}, {"36.a", "36.b"},
       {"33.a", "33.b"}, {"34.r", "34.c"}, {"7.M", "8.M"}};
-  const std::vector<std::int32_t> values = {65536,      46341,      0x10000000,  0x20000000,
-                                            0x40000000, 0x7fffffff, -0x40000000, INT_MIN};
+  const std::vector<std::int32_t> values = {
+      0, 1, 65536, 46341, 0x10000000, 0x20000000, 0x40000000, 0x7fffffff, -0x40000000, INT_MIN};
   for (const std::int32_t code : {60, 60 | kXdrBit | kSingleBit}) {
     for (const auto &[first, second] : pairs) {
       for (const std::int32_t a : values) {
