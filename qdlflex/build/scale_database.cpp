@@ -123,7 +123,7 @@ void scale_stresses(QDL_Record &record, const UnitRatios &ratios) {
     stress(vector);
 }
 
-/// Factor of a monitor-point row for its component digit; none where the row has no known unit.
+/// Factor of the monitor-point rows of a component digit; none where they have no known unit.
 std::optional<double> monitor_row_factor(std::int32_t result_type, char digit,
                                          const UnitRatios &ratios) {
   if (digit < '1' || digit > '6')
@@ -144,18 +144,25 @@ std::optional<double> monitor_row_factor(std::int32_t result_type, char digit,
   }
 }
 
-void scale_monitor_point(MonitorPoint &point, const UnitRatios &ratios) {
-  UnitConversion(ratios.length)(point.location);
-  const std::string digits = std::to_string(point.component);
+/// One row of each of an operator's matrices.
+void scale_monitor_row(MonitorPoint &point, std::size_t number, std::size_t row,
+                       const UnitConversion &convert) {
+  const std::span<double> values(point.operators[number]);
   const auto columns = static_cast<std::size_t>(point.columns);
+  const std::size_t matrix = static_cast<std::size_t>(point.rows) * columns;
+  for (std::size_t start = row * columns; start < values.size(); start += matrix)
+    convert(values.subspan(start, columns));
+}
+
+void scale_monitor_point(MonitorPoint &point, const UnitRatios &ratios) {
+  UnitConversion{ratios.length}(point.location);
+  const std::string digits = std::to_string(point.component);
+  const std::size_t rows = std::min(digits.size(), static_cast<std::size_t>(point.rows));
   const double time_factors[] = {1.0, ratios.time, ratios.time * ratios.time, 1.0};
-  for (std::size_t number = 0; number < point.operators.size(); ++number) {
-    const std::span<double> values(point.operators[number]);
-    for (std::size_t row = 0; (row + 1) * columns <= values.size() && columns > 0; ++row) {
-      const char digit = digits[row % digits.size()];
-      if (const auto factor = monitor_row_factor(point.result_type, digit, ratios))
-        UnitConversion (*factor / time_factors[number])(values.subspan(row * columns, columns));
-    }
+  for (std::size_t row = 0; row < rows; ++row) {
+    const auto factor = monitor_row_factor(point.result_type, digits[row], ratios);
+    for (std::size_t number = 0; factor && number < point.operators.size(); ++number)
+      scale_monitor_row(point, number, row, UnitConversion(*factor / time_factors[number]));
   }
 }
 
