@@ -1,0 +1,45 @@
+#!/usr/bin/env bash
+# Solver results in, a QDL file out, and in again.
+#
+#   run.sh BUILD_DIR OUT_DIR
+#
+# Uses the command and the library of BUILD_DIR and leaves its files in OUT_DIR.
+set -euo pipefail
+
+if [ $# -ne 2 ]; then
+  echo "usage: run.sh BUILD_DIR OUT_DIR" >&2
+  exit 2
+fi
+build=$(cd "$1" && pwd)
+mkdir -p "$2"
+output=$(cd "$2" && pwd)
+here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
+examples=$(dirname "$here")
+command=$build/cli/qdlflex
+library=$build/qdlflex
+
+title() { printf '\n=== %s ===\n' "$*"; }
+
+title "A bracket solved with CalculiX (examples/calculix)"
+cp "$examples"/calculix/*.inp "$output"
+for file in "$examples"/calculix/solved/*.gz; do
+  gzip -dc "$file" > "$output/$(basename "$file" .gz)"
+done
+cd "$output"
+ls -l bracket*
+
+title "Import"
+rm -f bracket.qdl bracket-xdr-double.qdl bracket-native-single.qdl
+"$command" import ccx bracket.frd --inp bracket.inp --dat bracket.dat \
+  --mass bracket-matrices.mas --dof bracket-matrices.dof \
+  --units mm-N-t-s --options no_ortho -o bracket.qdl
+
+title "Write in two forms, open, compare (examples/demo/demo.c)"
+${CC:-cc} -std=c99 -O2 -Wall -Wextra -I "$examples/../include" "$here/demo.c" -o demo \
+  -L "$library" -Wl,-rpath,"$library" -lqdlflex -lm
+./demo bracket.qdl bracket-xdr-double.qdl bracket-native-single.qdl
+
+for file in bracket-xdr-double.qdl bracket-native-single.qdl; do
+  title "qdlflex info $file"
+  "$command" info "$file"
+done
