@@ -1,6 +1,8 @@
 #include "record/lookups.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <span>
 
 #include "support/boundary.h"
 
@@ -30,6 +32,17 @@ std::int32_t guess(const QDL_Record &record, std::int32_t id) {
       return index;
   }
   return kNoIndex;
+}
+
+/// Every mode vector that is set or fetched by a mode number looks the number up. Blocks of a fixed
+/// length are compared with vector instructions, which a search that may stop anywhere is not.
+constexpr std::size_t kModeBlock = 32;
+
+bool block_contains(const std::int32_t *numbers, std::int32_t number) {
+  std::int32_t hits = 0;
+  for (std::size_t i = 0; i < kModeBlock; ++i)
+    hits += numbers[i] == number ? 1 : 0;
+  return hits != 0;
 }
 
 std::int32_t find_foreign(const NodeSet &set, std::int32_t id) {
@@ -75,8 +88,14 @@ void drop_node_lookup(QDL_Record &record) {
 }
 
 std::int32_t find_mode(const QDL_Record &record, std::int32_t mode_number) {
-  const auto &numbers = record.mode_numbers;
-  const auto found = std::ranges::find(numbers, mode_number);
+  const std::span<const std::int32_t> numbers(record.mode_numbers);
+  std::size_t passed = 0;
+  while (passed + kModeBlock <= numbers.size() &&
+         !block_contains(numbers.data() + passed, mode_number)) {
+    passed += kModeBlock;
+  }
+  const auto found =
+      std::find(numbers.begin() + static_cast<std::ptrdiff_t>(passed), numbers.end(), mode_number);
   return found == numbers.end() ? kNoIndex : static_cast<std::int32_t>(found - numbers.begin());
 }
 
