@@ -10,14 +10,16 @@ constexpr std::size_t kValuesPerBlock = 1 << 13;
 
 }  // namespace
 
-Sink::Sink(File &file, const Encoding &encoding) : file_(file), encoding_(encoding) {
-  if (encoding_.xdr)
+Sink::Sink(File &file, const Encoding &encoding)
+    : file_(file), encoding_(encoding), streaming_(encoding.xdr) {
+  if (streaming_)
     xdrstdio_create(&xdr_, file_.stream(), XDR_ENCODE);
 }
 
-Sink::~Sink() {
-  if (encoding_.xdr)
+void Sink::finish() {
+  if (streaming_)
     xdr_destroy(&xdr_);
+  streaming_ = false;
 }
 
 bool Sink::i32(std::int32_t value) {

@@ -17,7 +17,7 @@ namespace qdlflex {
 class Sink {
  public:
   Sink(File &file, const Encoding &encoding);
-  ~Sink();
+  ~Sink() { finish(); }
   Sink(const Sink &) = delete;
   Sink &operator=(const Sink &) = delete;
 
@@ -32,11 +32,14 @@ class Sink {
   /// A field of one byte, such as a presence byte.
   bool byte(char value);
   bool flush() { return file_.flush(); }
+  /// Ends the XDR stream, which has to happen before the file is closed. Nothing is written after.
+  void finish();
 
  private:
   File &file_;
   Encoding encoding_;
   XDR xdr_{};
+  bool streaming_ = false;
   std::vector<unsigned char> block_;
 };
 

@@ -60,6 +60,26 @@ Search search_for(Statistic statistic) {
   }
 }
 
+/// The largest value so far; of equal nodes the first.
+struct Best {
+  double square = 0.0;
+  std::int64_t position = kNoIndex;
+
+  void search(const Search &search, const double *six, std::int64_t first, std::int64_t rows) {
+    for (std::int64_t row = 0; row < rows; ++row) {
+      const double candidate = search.square(six + row * kComponents);
+      if (candidate > square) {
+        square = candidate;
+        position = first + row;
+      }
+    }
+  }
+
+  LargestValue answer(const QDL_Record &record, std::int32_t kind) const {
+    return {mode_node_id(record, kind, static_cast<std::int32_t>(position)), std::sqrt(square)};
+  }
+};
+
 /// The slots of a mode; modes added since the table was made get theirs here.
 ModalStatistics &slots_of(QDL_Record &record, std::int32_t mode_index) {
   StatisticsTable &table = record.statistics;
@@ -92,8 +112,7 @@ bool find_largest(QDL_Record &record, Statistic statistic, std::int32_t mode_ind
   const Search search = search_for(statistic);
   const std::int64_t nodes = mode_node_count(record, search.kind);
   std::vector<double> chunk(static_cast<std::size_t>(std::min(nodes, kChunkRows) * kComponents));
-  double largest_square = 0.0;
-  std::int64_t position = kNoIndex;
+  Best best;
   std::int64_t first = 0;
   // Without any node a read all the same, which tells whether there is mode data at all.
   do {
@@ -103,18 +122,18 @@ bool find_largest(QDL_Record &record, Statistic statistic, std::int32_t mode_ind
                              record.mode_numbers[static_cast<std::size_t>(mode_index)]);
       return false;
     }
-    for (std::int64_t row = 0; row < rows; ++row) {
-      const double square = search.square(chunk.data() + row * kComponents);
-      if (square > largest_square) {
-        largest_square = square;
-        position = first + row;
-      }
-    }
+    best.search(search, chunk.data(), first, rows);
     first += rows;
   } while (first < nodes);
-  largest = {mode_node_id(record, search.kind, static_cast<std::int32_t>(position)),
-             std::sqrt(largest_square)};
+  largest = best.answer(record, search.kind);
   return true;
+}
+
+LargestValue largest_of(const QDL_Record &record, Statistic statistic, const double *six) {
+  const Search search = search_for(statistic);
+  Best best;
+  best.search(search, six, 0, mode_node_count(record, search.kind));
+  return best.answer(record, search.kind);
 }
 
 bool modal_statistic(QDL_Record &record, Statistic statistic, std::int32_t mode_index,

@@ -16,6 +16,9 @@ struct LargestValue {
 bool find_largest(QDL_Record &record, Statistic statistic, std::int32_t mode_index,
                   LargestValue &largest);
 
+/// The same among values at hand: six components for each node of the statistic's kind.
+LargestValue largest_of(const QDL_Record &record, Statistic statistic, const double *six);
+
 /// The largest value from the record's table, searched and kept there when not known yet. False
 /// after a reported failure.
 bool modal_statistic(QDL_Record &record, Statistic statistic, std::int32_t mode_index,

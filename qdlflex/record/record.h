@@ -233,6 +233,12 @@ constexpr std::int32_t kComponents = 6;
 constexpr bool is_mode_kind(std::int32_t kind) {
   return kind >= 0 && kind < kModeKinds;
 }
+/// The block that a kind of mode data stands in.
+constexpr Block mode_block(std::int32_t kind) {
+  return kind == kModeShapes    ? Block::kModeShapes
+         : kind == kModalStress ? Block::kModalStress
+                                : Block::kModalStrain;
+}
 constexpr bool is_mode_part(std::int32_t part) {
   return part == 0 || part == 1;
 }

@@ -1,0 +1,197 @@
+#include "io/write_plan.h"
+
+#include <qdlflex/qdlflex.h>
+
+#include <algorithm>
+
+#include "format/version.h"
+#include "geometry/coarsened.h"
+#include "numerics/eigenvalue_lookup.h"
+#include "numerics/global_mass.h"
+#include "numerics/qdlinvar.h"
+
+namespace qdlflex {
+namespace {
+
+void copy_presence(const QDL_Record &record, WritePlan &plan, std::initializer_list<Block> blocks) {
+  for (const Block block : blocks)
+    plan.set(block, present(record, block));
+}
+
+/// Faces go to the block that the version's readers know.
+void plan_faces(const QDL_Record &record, WritePlan &plan) {
+  const bool has_faces = record.faces.present || present(record, Block::kElementFaces) ||
+                         present(record, Block::kElementTopology);
+  const std::uint32_t version = version_number(plan.version_code);
+  const bool old_block = version == 10 || version == 20;
+  plan.set(Block::kElementTopology, has_faces && old_block);
+  plan.set(Block::kElementFaces, has_faces && !old_block);
+}
+
+void plan_stored_blocks(const QDL_Record &record, WritePlan &plan) {
+  plan.set(Block::kUnits, true);
+  copy_presence(record, plan,
+                {Block::kNodalCoordinates, Block::kModeShapes, Block::kNodalMasses,
+                 Block::kNodalInertias, Block::kGeneralizedDamping, Block::kInterfaceNodes});
+  plan_faces(record, plan);
+}
+
+void plan_all_modes(const QDL_Record &record, WritePlan &plan) {
+  plan.first_mode = 0;
+  plan.end_mode = mode_count(record);
+}
+
+/// Generalized matrices instead of eigenvalues, and every mode.
+void plan_unsolved(const QDL_Record &record, WritePlan &plan) {
+  plan.set(Block::kGeneralizedStiffness, true);
+  plan.set(Block::kGeneralizedMass, true);
+  plan_all_modes(record, plan);
+}
+
+bool has_generalized_entries(const QDL_Record &record) {
+  return !record.stiffness.entries.empty() || !record.mass.entries.empty();
+}
+
+/// The modes between the frequency limits, up to the first one without generalized mass.
+void plan_frequency_band(const QDL_Record &record, const WriteOptions &options, WritePlan &plan) {
+  const double lower = options.highpass.value_or(-1.0);
+  const double upper = options.lowpass.value_or(1.0e8);
+  QDL_Info("Exporting frequency range [%le,%le]\n", lower, upper);
+  const auto modes = all_eigenvalues(record);
+  const auto frequency = [&](std::size_t mode) {
+    return modes[mode] ? modes[mode]->entry.frequency : 0.0;
+  };
+  const auto massless = [&](std::size_t mode) {
+    return !modes[mode] || modes[mode]->entry.generalized_mass == 0.0;
+  };
+  std::size_t first = 0;
+  while (first < modes.size() && !(frequency(first) > lower))
+    ++first;
+  if (first == modes.size())
+    first = 0;
+  std::size_t end = 0;
+  while (end < modes.size() && !(frequency(end) > upper) && !massless(end))
+    ++end;
+  plan.first_mode = static_cast<std::int32_t>(first);
+  plan.end_mode = static_cast<std::int32_t>(std::max(first, end));
+}
+
+/// The first exported mode becomes mode 1.
+void renumber_modes(QDL_Record &record, std::int32_t first_mode) {
+  if (record.mode_numbers.empty())
+    return;
+  const std::int32_t shift = record.mode_numbers[static_cast<std::size_t>(first_mode)] - 1;
+  for (std::int32_t &number : record.mode_numbers)
+    number -= shift;
+  for (EigenEntry &entry : record.eigenvalues)
+    entry.mode_number -= shift;
+}
+
+/// Modes with an eigenvalue table and no generalized entries are orthonormal already: they stay as
+/// they are, and their transformation is the identity where the record has none.
+bool orthonormalize(QDL_Record &record) {
+  if (mode_count(record) == 0)
+    return true;
+  if (record.eigenvalues.empty() || has_generalized_entries(record)) {
+    QDL_Error("Modes that are not orthonormal can only be written with the option no_ortho.");
+    return false;
+  }
+  Transformation &transformation = record.transformation;
+  if (transformation.present)
+    return true;
+  const auto modes = static_cast<std::size_t>(mode_count(record));
+  transformation = {mode_count(record), std::vector<double>(modes * modes),
+                    std::vector<std::int32_t>(modes), true};
+  for (std::size_t mode = 0; mode < modes; ++mode)
+    transformation.matrix[mode * (modes + 1)] = 1.0;
+  return true;
+}
+
+bool plan_modes(QDL_Record &record, const WriteOptions &options, WritePlan &plan) {
+  if (options.no_ortho) {
+    plan_unsolved(record, plan);
+    return true;
+  }
+  if (!orthonormalize(record))
+    return false;
+  plan.set(Block::kEigenvalues, mode_count(record) > 0);
+  plan.set(Block::kModeShapeTransformation, record.transformation.present);
+  plan_frequency_band(record, options, plan);
+  renumber_modes(record, plan.first_mode);
+  return true;
+}
+
+/// Mass, centre and inertia from the invariants.
+void derive_global_mass(QDL_Record &record, WritePlan &plan) {
+  update_global_mass(record);
+  raise(record, Block::kGlobalBodyProperties);
+  plan.set(Block::kGlobalBodyProperties, true);
+}
+
+void plan_global_mass(QDL_Record &record, bool invariants_known, WritePlan &plan) {
+  const bool from_nodes =
+      present(record, Block::kNodalCoordinates) && present(record, Block::kNodalMasses);
+  if (invariants_known) {
+    derive_global_mass(record, plan);
+  } else if (present(record, Block::kGlobalBodyProperties)) {
+    plan.set(Block::kGlobalBodyProperties, true);
+  } else if (from_nodes) {
+    derive_global_mass(record, plan);
+  }
+}
+
+void plan_modal_data(const QDL_Record &record, WritePlan &plan) {
+  copy_presence(record, plan,
+                {Block::kModalPreload, Block::kModalLoads, Block::kModalStress, Block::kModalStrain,
+                 Block::kPreStress, Block::kPreStrain, Block::kMatrixOperators,
+                 Block::kModalLoadNodal, Block::kRotorDynamics});
+  const bool points =
+      present(record, Block::kMonitorPoints) || present(record, Block::kOldMonitorPoints);
+  plan.set(Block::kMonitorPoints, points && !record.monitor_points.empty());
+}
+
+/// A file without modes has none of the blocks that belong to them. Pre-stress needs the nodes of
+/// the stress modes, pre-strain those of the strain modes.
+void drop_blocks_without_modes(WritePlan &plan) {
+  if (plan.modes() == 0) {
+    for (const Block block :
+         {Block::kEigenvalues, Block::kModeShapes, Block::kGeneralizedDamping,
+          Block::kModeShapeTransformation, Block::kModalStress, Block::kInvariant3,
+          Block::kInvariant4, Block::kInvariant5, Block::kInvariant8, Block::kInvariant9,
+          Block::kModalPreload, Block::kModalLoads, Block::kModalStrain, Block::kModalStatistics}) {
+      plan.set(block, false);
+    }
+  }
+  if (!plan.writes(Block::kModalStress))
+    plan.set(Block::kPreStress, false);
+  if (!plan.writes(Block::kModalStrain))
+    plan.set(Block::kPreStrain, false);
+}
+
+}  // namespace
+
+Encoding WritePlan::encoding() const {
+  const std::uint32_t code = version_code & ~kCoarsenedBit;
+  return {uses_xdr(code), !is_single_precision(code)};
+}
+
+bool WritePlan::full_stress() const {
+  return version_number(version_code) < kCurrentVersion;
+}
+
+bool prepare_blocks(QDL_Record &record, const WriteOptions &options, WritePlan &plan) {
+  plan_stored_blocks(record, plan);
+  if (!plan_modes(record, options, plan))
+    return false;
+  copy_presence(record, plan,
+                {Block::kInvariant1, Block::kInvariant2, Block::kInvariant3, Block::kInvariant4,
+                 Block::kInvariant5, Block::kInvariant7, Block::kInvariant8, Block::kInvariant9});
+  plan_global_mass(record, present(record, Block::kInvariant3), plan);
+  plan_modal_data(record, plan);
+  plan.statistics.resize(static_cast<std::size_t>(plan.modes()));
+  plan.set(Block::kModalStatistics, plan.modes() > 0);
+  drop_blocks_without_modes(plan);
+  return true;
+}
+
+}  // namespace qdlflex

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "format/codec.h"
+#include "io/write_options.h"
+#include "record/record.h"
+
+namespace qdlflex {
+
+/// What a write decides for itself; the record keeps its own version code and presence bytes.
+struct WritePlan {
+  std::uint32_t version_code = 0;
+  Summary summary{};
+  // The exported modes, a contiguous range.
+  std::int32_t first_mode = 0;
+  std::int32_t end_mode = 0;
+  /// Of the exported modes; filled while stress and strain are written.
+  std::vector<ModalStatistics> statistics;
+
+  std::int32_t modes() const { return end_mode - first_mode; }
+  bool writes(Block block) const { return summary[summary_position(block)] != 0; }
+  void set(Block block, bool present) { summary[summary_position(block)] = present ? 1 : 0; }
+  Encoding encoding() const;
+  /// Older versions hold a value of stress and strain for every node.
+  bool full_stress() const;
+};
+
+/// Decides which blocks are written and computes what the record lacks for them. False when the
+/// write has to fail; the reason has been reported.
+bool prepare_blocks(QDL_Record &record, const WriteOptions &options, WritePlan &plan);
+
+}  // namespace qdlflex
