@@ -1,5 +1,5 @@
 #include <algorithm>
-#include <array>
+#include <vector>
 
 #include <qdlflex/qdlflex.h>
 
@@ -14,9 +14,6 @@ namespace {
 
 constexpr const char *kArea = "qdldata";
 
-constexpr std::array<Block, kModeKinds> kBlockOfKind = {Block::kModeShapes, Block::kModalStress,
-                                                        Block::kModalStrain};
-
 }  // namespace
 
 int32_t QDL_ModeCount(QDL_Record *model) {
@@ -26,7 +23,7 @@ int32_t QDL_ModeCount(QDL_Record *model) {
 int32_t QDL_ModeExist(QDL_Record *model, int32_t kind) {
   if (model == nullptr || !is_mode_kind(kind))
     return 0;
-  return present(*model, kBlockOfKind[static_cast<std::size_t>(kind)]) ? 1 : 0;
+  return present(*model, mode_block(kind)) ? 1 : 0;
 }
 
 int32_t QDL_ModeNodeCount(QDL_Record *model, int32_t kind) {
