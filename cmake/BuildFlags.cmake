@@ -6,6 +6,8 @@ add_library(qdlflex_flags INTERFACE)
 target_compile_options(qdlflex_flags INTERFACE
   -Wall -Wextra -Wconversion
   $<$<BOOL:${QDLFLEX_WERROR}>:-Werror>
+  # GCC 12 takes "text" + string for overlapping copies (its bug 105651).
+  $<$<AND:$<COMPILE_LANG_AND_ID:CXX,GNU>,$<VERSION_LESS:$<CXX_COMPILER_VERSION>,13>>:-Wno-restrict>
   # Fused multiply-add would make results depend on the machine.
   -ffp-contract=off)
 
