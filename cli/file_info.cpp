@@ -113,7 +113,7 @@ void read_header(QDL_Record *record, FileInfo &info) {
   QDL_Header(record, title.data(), date.data(), input_file.data(), input_type.data(),
              comments[0].data(), comments[1].data(), comments[2].data());
   info.title = title.data();
-  info.date = date.data();
+  info.date = trim(date.data());
   info.input_file = input_file.data();
   info.input_type = input_type.data();
   for (const auto &comment : comments) {

@@ -23,6 +23,7 @@ typedef struct Comparison {
   long long values;
   long long wrong;
   double largest_difference;
+  double largest_value;
 } Comparison;
 
 static int64_t print_error(const char *text) {
@@ -74,13 +75,16 @@ static void compare(Comparison *result, const double *expected, const double *fo
     if (!(difference <= result->largest_difference)) {
       result->largest_difference = difference;
     }
+    if (fabs(expected[i]) > result->largest_value) {
+      result->largest_value = fabs(expected[i]);
+    }
     ++result->values;
   }
 }
 
 /* Fetches half a mode at a time: all nodes of one mode. */
 static Comparison compare_by_mode(QDL_Record *model, QDL_Record *other, int32_t kind, int single) {
-  Comparison result = {0, 0, 0.0};
+  Comparison result = {0, 0, 0.0, 0.0};
   const int32_t count = QDL_ModeNodeCount(model, kind) * numbers_per_node;
   double *const expected = allocate((size_t)count, sizeof *expected);
   double *const found = allocate((size_t)count, sizeof *found);
@@ -102,7 +106,7 @@ static Comparison compare_by_mode(QDL_Record *model, QDL_Record *other, int32_t 
 
 /* Fetches three numbers at a time: one node over all modes, straight from the file. */
 static Comparison compare_by_node(QDL_Record *model, QDL_Record *other, int32_t kind, int single) {
-  Comparison result = {0, 0, 0.0};
+  Comparison result = {0, 0, 0.0, 0.0};
   int32_t node, index, part;
   for (node = 0; node < QDL_ModeNodeCount(model, kind); ++node) {
     for (index = 0; index < QDL_ModeCount(model); ++index) {
@@ -121,7 +125,7 @@ static Comparison compare_by_node(QDL_Record *model, QDL_Record *other, int32_t 
 }
 
 static Comparison compare_geometry(QDL_Record *model, QDL_Record *other, int single) {
-  Comparison result = {0, 0, 0.0};
+  Comparison result = {0, 0, 0.0, 0.0};
   int32_t node;
   for (node = 0; node < QDL_NodeCount(model); ++node) {
     double expected[4], found[4];
@@ -136,7 +140,7 @@ static Comparison compare_geometry(QDL_Record *model, QDL_Record *other, int sin
 }
 
 static Comparison compare_eigenvalues(QDL_Record *model, QDL_Record *other, int single) {
-  Comparison result = {0, 0, 0.0};
+  Comparison result = {0, 0, 0.0, 0.0};
   int32_t index;
   for (index = 0; index < QDL_ModeCount(model); ++index) {
     const int32_t mode = QDL_ModeNumber(model, index);
@@ -151,8 +155,9 @@ static Comparison compare_eigenvalues(QDL_Record *model, QDL_Record *other, int 
 }
 
 static long long print_comparison(const char *what, const char *way, Comparison result) {
-  printf("  %-14s %-13s %9lld values  largest difference %-12g %s\n", what, way, result.values,
-         result.largest_difference, result.wrong == 0 ? "as it should be" : "WRONG");
+  printf("  %-14s %-13s %7lld values up to %-12g largest difference %-12g %s\n", what, way,
+         result.values, result.largest_value, result.largest_difference,
+         result.wrong == 0 ? "as it should be" : "WRONG");
   return result.wrong;
 }
 

@@ -52,7 +52,7 @@ void expect_two_modes(FrdFile &file) {
   EXPECT_EQ(file.title(), "A tetrahedron");
   EXPECT_EQ(file.materials().at(1), "STEEL");
   ASSERT_EQ(file.nodes().size(), 4U);
-  EXPECT_EQ(file.position(4), (Point{0, 0, 1}));
+  EXPECT_EQ(file.position(4), (Point{1, 0, 1}));
   ASSERT_EQ(file.elements().size(), 1U);
   EXPECT_EQ(file.elements()[0].id, 7);
   EXPECT_EQ(file.elements()[0].material, 1);
@@ -122,15 +122,15 @@ TEST_F(FrdFileTest, CountsOtherElementsAndPassesOverThem) {
 }
 
 TEST_F(FrdFileTest, RefinesCoordinatesOnlyWhereTheyRoundToTheFiles) {
-  FrdFile file = open(replaced(two_modes(), "4 0.00000E+00 0.00000E+00 1.00000E+00",
-                               "4 0.00000E+00-1.23457E-01 1.00000E+03"));
-  file.refine_positions({{4, {0.0, -0.123456789, 999.9951}},
-                         {2, {1.0, 0.0, 1e-9}},  // the file says 0: another point
-                         {3, {0.0, 2.0, 0.0}},
+  FrdFile file = open(replaced(two_modes(), "4 1.00000E+00 0.00000E+00 1.00000E+00",
+                               "4 1.00000E+00-1.23457E-01 1.00000E+03"));
+  file.refine_positions({{4, {1.0, -0.123456789, 999.9951}},
+                         {2, {2.0, 0.0, 1e-9}},  // the file says 0: another point
+                         {3, {1.0, 2.0, 0.0}},
                          {99, {0.0, 0.0, 0.0}}});
-  EXPECT_EQ(file.position(4), (Point{0.0, -0.123456789, 999.9951}));
-  EXPECT_EQ(file.position(2), (Point{1.0, 0.0, 0.0}));
-  EXPECT_EQ(file.position(3), (Point{0.0, 1.0, 0.0}));
+  EXPECT_EQ(file.position(4), (Point{1.0, -0.123456789, 999.9951}));
+  EXPECT_EQ(file.position(2), (Point{2.0, 0.0, 0.0}));
+  EXPECT_EQ(file.position(3), (Point{1.0, 1.0, 0.0}));
 }
 
 TEST_F(FrdFileTest, EveryTruncatedFileFails) {
@@ -160,9 +160,9 @@ TEST_F(FrdFileTest, SaysWhatIsWrongAndWhere) {
        ":10: the block announces -4 nodes and holds 4"},
       {" -1         4", " -1         3", ":9: node 3 comes twice"},
       {" -1         4", " -19999999999", ":9: \"9999999999\" is not an integer"},
-      {"4 0.00000E+00 0.00000E+00 1.00000E+00", "4 0.00000E+00         NAN 1.00000E+00",
+      {"4 1.00000E+00 0.00000E+00 1.00000E+00", "4 1.00000E+00         NAN 1.00000E+00",
        ":9: \"NAN\" is not a number"},
-      {"4 0.00000E+00 0.00000E+00 1.00000E+00", "4 0.00000E+00 0.00000E+00",
+      {"4 1.00000E+00 0.00000E+00 1.00000E+00", "4 1.00000E+00 0.00000E+00",
        ":9: \"\" is not a number"},
       {"    3C                             1", "    3C                             2",
        ":14: the block announces 2 elements and holds 1"},

@@ -39,8 +39,8 @@ std::string failure_of(const std::function<void()> &action);
 
 std::string replaced(std::string text, const std::string &from, const std::string &to);
 
-/// A result file with one tetrahedron of four nodes: 1 at the origin and 2, 3, 4 at the ends of the
-/// axes. `results` goes between the mesh and the closing line.
+/// A result file with one tetrahedron of four nodes: 1 at (1, 0, 0) and 2, 3, 4 from there one unit
+/// along x, y and z. `results` goes between the mesh and the closing line.
 std::string frd_text(const std::string &results);
 
 /// A result block of a mode for `frd_text`. The value of component k at node n of mode m is
