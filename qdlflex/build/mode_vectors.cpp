@@ -1,4 +1,4 @@
-#include <array>
+#include <algorithm>
 #include <span>
 
 #include <qdlflex/qdlflex.h>
@@ -14,12 +14,6 @@ namespace qdlflex {
 namespace {
 
 constexpr const char *kArea = "qdlset";
-
-Block block_of(std::int32_t kind) {
-  constexpr std::array<Block, kModeKinds> kBlocks = {Block::kModeShapes, Block::kModalStress,
-                                                     Block::kModalStrain};
-  return kBlocks[static_cast<std::size_t>(kind)];
-}
 
 /// Stress of mode number 0 is the pre-stress of the nodes, strain of mode number 0 the pre-strain.
 bool is_pre_vector(std::int32_t mode_number, std::int32_t kind) {
@@ -69,7 +63,7 @@ std::int32_t set_components(QDL_Record &record, std::int32_t mode_number, std::i
     drop_derived_invariants(record, {3, 4, 5, 8, 9});
   }
   forget_statistics(record, kind, mode);
-  raise(record, block_of(kind));
+  raise(record, mode_block(kind));
   return 1;
 }
 
