@@ -89,6 +89,11 @@ std::shared_ptr<File> File::adopt(std::FILE *stream, const char *name) {
 std::shared_ptr<File> File::open(const std::string &name, const char *mode) {
   auto file = std::make_shared<File>(name);
   file->stream_ = open_stream(name.c_str(), mode);
+  // Files are written in many small pieces.
+  constexpr std::size_t kWriteBuffer = 1 << 18;
+  const bool writing = mode[0] == 'w';
+  if (writing && file->stream_ != nullptr)
+    std::setvbuf(file->stream_, nullptr, _IOFBF, kWriteBuffer);
   return file->stream_ == nullptr ? nullptr : file;
 }
 
@@ -96,18 +101,16 @@ std::shared_ptr<File> File::create_temporary(std::string &name) {
   auto file = std::make_shared<File>(name);
   if (file_fault(FileOperation::kOpen))
     return nullptr;
-  const int descriptor = create_descriptor(name);
-  if (descriptor < 0)
-    return nullptr;
-  file->stream_ = ::fdopen(descriptor, "wb+");
-  if (file->stream_ == nullptr) {
-    ::close(descriptor);
-    ::unlink(name.c_str());
-    return nullptr;
+  const int descriptor = create_descriptor(file->name_);
+  if (descriptor >= 0) {
+    file->stream_ = ::fdopen(descriptor, "wb+");
+    file->temporary_ = true;
+    if (file->stream_ == nullptr)
+      ::close(descriptor);
   }
-  file->temporary_ = true;
-  file->name_ = name;
-  return file;
+  // From here on the file removes itself, also when there is no memory left to copy its name.
+  name = file->name_;
+  return file->stream_ == nullptr ? nullptr : file;
 }
 
 FileIdentity File::identity() const {
