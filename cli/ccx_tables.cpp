@@ -105,6 +105,13 @@ MassMatrix read_matrix(const std::string &path, const std::vector<Row> &rows) {
   return matrix;
 }
 
+Failure not_positive(int32_t node, const std::string &matrix_path, const std::string &rows_path) {
+  std::string text = matrix_path;
+  text.append(": the mass of node ").append(std::to_string(node));
+  text.append(" is not positive; is this the mass matrix that belongs to ").append(rows_path);
+  return Failure(text.append("?"));
+}
+
 }  // namespace
 
 CcxTables read_ccx_tables(const std::string &path) {
@@ -140,8 +147,7 @@ std::unordered_map<int32_t, double> read_ccx_nodal_masses(const std::string &mat
       continue;
     }
     if (!(matrix.diagonal[i] > 0.0) || !(matrix.total[direction] > 0.0)) {
-      throw Failure(matrix_path + ": the mass of node " + std::to_string(node) +
-                    " is not positive; is this the mass matrix that belongs to " + rows_path + "?");
+      throw not_positive(node, matrix_path, rows_path);
     }
     Sum &sum = sums[node];
     sum.mass += matrix.diagonal[i] * (matrix.total[direction] / matrix.diagonal_total[direction]);

@@ -55,11 +55,11 @@ void install_message_handlers(bool verbose) {
   SetMessageHandlers(handlers);
 }
 
-void print_error(const std::string &text) {
+void print_error(std::string_view text) {
   print_message("error: ", text);
 }
 
-void print_warning(const std::string &text) {
+void print_warning(std::string_view text) {
   print_message("warning: ", text);
 }
 

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 namespace qdlflex::cli {
 
@@ -9,8 +10,8 @@ namespace qdlflex::cli {
 void install_message_handlers(bool verbose);
 
 /// Lines on standard error, in the form of the library's messages.
-void print_error(const std::string &text);
-void print_warning(const std::string &text);
+void print_error(std::string_view text);
+void print_warning(std::string_view text);
 
 /// A bar on standard error while a long job runs; nothing at all when that is no terminal.
 class ProgressBar {

@@ -9,9 +9,7 @@ namespace {
 
 enum ExitCode { exit_done = 0, exit_failed = 1, exit_usage = 2 };
 
-}  // namespace
-
-int main(int argc, char **argv) {
+int run(int argc, char **argv) {
   using namespace qdlflex::cli;
 
   CLI::App app("Work with QDL files: modal flexible bodies.", "qdlflex");
@@ -20,19 +18,23 @@ int main(int argc, char **argv) {
   Job job;
   add_import_command(app, job);
   add_info_command(app, job);
-
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError &error) {
     return app.exit(error) == 0 ? exit_done : exit_usage;
   }
+  job();
+  return exit_done;
+}
 
-  int result = exit_done;
+}  // namespace
+
+int main(int argc, char **argv) {
+  int result = exit_failed;
   try {
-    job();
+    result = run(argc, argv);
   } catch (const std::exception &error) {
-    print_error(error.what());
-    result = exit_failed;
+    qdlflex::cli::print_error(error.what());
   }
   QDL_Terminate();
   return result;
