@@ -55,6 +55,12 @@ char decode_character(const unsigned char *bytes, const Encoding &encoding);
 /// Source and destination must not overlap.
 void decode_reals(double *values, const unsigned char *bytes, std::size_t count,
                   const Encoding &encoding);
+
+/// Decoding without a second buffer: the place of `count` reals at the end of an array of as many
+/// doubles, and what turns the reals that were read there into those doubles.
+unsigned char *packed_reals(double *values, std::size_t count, const Encoding &encoding);
+void decode_packed_reals(double *values, std::size_t count, const Encoding &encoding);
+
 void encode_reals(unsigned char *bytes, const double *values, std::size_t count,
                   const Encoding &encoding);
 void decode_i32s(std::int32_t *values, const unsigned char *bytes, std::size_t count,

@@ -13,9 +13,10 @@
 namespace qdlflex {
 namespace {
 
-/// The root of the sum of squares, so that components whose squares vanish count as zero.
+/// Whether the root of the sum of squares is zero: components whose squares vanish count as zero.
+/// As no square is negative, the first that is not zero decides.
 bool is_zero(const std::vector<double> &values) {
-  return std::inner_product(values.begin(), values.end(), values.begin(), 0.0) == 0.0;
+  return std::ranges::all_of(values, [](double value) { return value * value == 0.0; });
 }
 
 void warn_of_zero_mode(std::int32_t kind, std::int32_t number) {

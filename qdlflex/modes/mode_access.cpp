@@ -93,15 +93,32 @@ std::int32_t fetch_by_reference(const HalfRequest &request, Real **values) {
   return 1;
 }
 
+bool read_row(const HalfRequest &request, std::int32_t node, double *six) {
+  if (read_rows(request.record, request.kind, request.mode_index, node, 1, six))
+    return true;
+  report_unreadable_mode(request.kind, request.mode_number);
+  return false;
+}
+
 bool read_node(const HalfRequest &request, std::int32_t node, double *values) {
   double six[kComponents];
-  if (!read_rows(request.record, request.kind, request.mode_index, node, 1, six)) {
-    report_unreadable_mode(request.kind, request.mode_number);
-    return false;
-  }
-  if (!is_mode_part(request.part))
+  if (!read_row(request, node, six) || !is_mode_part(request.part))
     return false;
   std::copy_n(six + 3 * request.part, 3, values);
+  return true;
+}
+
+/// Callers mostly want both halves of a node, so its six components are kept for the second one.
+bool read_node_through_last_row(const HalfRequest &request, std::int32_t node, double *values) {
+  NodeRow &last = mode_data(request.record, request.kind).last_row;
+  if (last.mode_index != request.mode_index || last.node != node) {
+    last.mode_index = kNoIndex;
+    if (!read_row(request, node, last.six.data()))
+      return false;
+    last.mode_index = request.mode_index;
+    last.node = node;
+  }
+  std::copy_n(last.six.data() + 3 * request.part, 3, values);
   return true;
 }
 
@@ -129,15 +146,15 @@ void load_half(const HalfRequest &request) {
 
 std::int32_t fetch_node(const HalfRequest &request, std::int32_t node, double *values) {
   const bool keep = request.record.keep_modes_in_memory && is_mode_part(request.part);
-  if (keep && request.cached<double>() == nullptr && worth_loading(request))
+  if (!keep)
+    return read_node(request, node, values) ? 1 : 0;
+  if (request.cached<double>() == nullptr && worth_loading(request))
     load_half(request);
-  if (keep) {
-    if (const double *cached = request.cached<double>()) {
-      std::copy_n(cached + std::ptrdiff_t{3} * node, 3, values);
-      return 1;
-    }
+  if (const double *cached = request.cached<double>()) {
+    std::copy_n(cached + std::ptrdiff_t{3} * node, 3, values);
+    return 1;
   }
-  return read_node(request, node, values) ? 1 : 0;
+  return read_node_through_last_row(request, node, values) ? 1 : 0;
 }
 
 bool is_position(QDL_Record &record, std::int32_t kind, std::int32_t node) {

@@ -51,6 +51,11 @@ void drop_halves(QDL_Record &record, HalfModes<Real> &halves) {
     halves = HalfModes<Real>{};
 }
 
+void forget_node_reads(ModeData &data) {
+  data.misses.clear();
+  data.last_row = NodeRow{};
+}
+
 }  // namespace
 
 template <class Real>
@@ -118,7 +123,7 @@ void drop_cached_modes(QDL_Record &record, std::int32_t kind) {
     drop_halves(record, half_modes<double>(record, kind, part));
     drop_halves(record, half_modes<float>(record, kind, part));
   }
-  record.mode_data[static_cast<std::size_t>(kind)].misses.clear();
+  forget_node_reads(record.mode_data[static_cast<std::size_t>(kind)]);
 }
 
 void note_mode_layout_changed(QDL_Record &record) {
@@ -130,7 +135,7 @@ void clean_double_cache(QDL_Record &record) {
   for (ModeData &data : record.mode_data) {
     for (auto &halves : data.doubles)
       drop_halves(record, halves);
-    data.misses.clear();
+    forget_node_reads(data);
   }
   record.cache_capacity = 0;
 }

@@ -3,7 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
-#include <vector>
+#include <memory>
+#include <type_traits>
 
 #include "modes/mode_cache.h"
 #include "modes/temporary_backing.h"
@@ -14,7 +15,7 @@ namespace qdlflex {
 namespace {
 
 /// Rows are read in chunks that stay in the processor's cache until they are decoded.
-constexpr std::int64_t kChunkRows = 2048;
+constexpr std::int64_t kChunkRows = 512;
 
 bool holds_mode(const Backing &backing, std::int32_t mode_index) {
   return backing.channel.file != nullptr && mode_index >= 0 &&
@@ -30,25 +31,37 @@ std::int64_t row_position(const Backing &backing, std::int32_t mode_index, std::
 bool read_backed_rows(const Backing &backing, std::int32_t mode_index, std::int64_t first,
                       std::int64_t rows, double *six) {
   const Encoding encoding = encoding_of(backing.channel);
-  const File &file = *backing.channel.file;
-  const std::int64_t row_bytes = kComponents * encoding.real_bytes();
+  const bool as_in_memory = encoding.double_precision && !encoding.swapped();
+  const std::int64_t most_rows = as_in_memory ? rows : kChunkRows;
   std::int64_t position = row_position(backing, mode_index, first);
-  if (encoding.double_precision && !encoding.swapped()) {
-    return file.read_at(position, six, static_cast<std::size_t>(rows * row_bytes));
-  }
-  std::vector<unsigned char> chunk(
-      static_cast<std::size_t>(std::min(rows, kChunkRows) * row_bytes));
-  while (rows > 0) {
-    const std::int64_t now = std::min(rows, kChunkRows);
-    if (!file.read_at(position, chunk.data(), static_cast<std::size_t>(now * row_bytes))) {
+  for (std::int64_t done = 0; done < rows; done += most_rows) {
+    const auto reals = static_cast<std::size_t>(std::min(rows - done, most_rows) * kComponents);
+    const std::size_t bytes = reals * static_cast<std::size_t>(encoding.real_bytes());
+    double *values = six + done * kComponents;
+    if (!backing.channel.file->read_at(position, packed_reals(values, reals, encoding), bytes)) {
       return false;
     }
-    decode_reals(six, chunk.data(), static_cast<std::size_t>(now * kComponents), encoding);
-    six += now * kComponents;
-    position += now * row_bytes;
-    rows -= now;
+    decode_packed_reals(values, reals, encoding);
+    position += static_cast<std::int64_t>(bytes);
   }
   return true;
+}
+
+/// Three of the six components of each row, times the factor.
+template <class Real>
+void take_half(const double *row, std::int64_t rows, double factor, Real *values) {
+  if constexpr (std::is_same_v<Real, double>) {
+    for (std::int64_t i = 0; factor == 1.0 && i < rows; ++i) {
+      std::memcpy(values + 3 * i, row + kComponents * i, 3 * sizeof(double));
+    }
+    if (factor == 1.0)
+      return;
+  }
+  for (std::int64_t i = 0; i < rows; ++i, row += kComponents, values += 3) {
+    for (int c = 0; c < 3; ++c) {
+      values[c] = static_cast<Real>(factor == 1.0 ? row[c] : row[c] * factor);
+    }
+  }
 }
 
 void scale_rows(double *six, std::int64_t rows, double first_half, double second_half) {
@@ -101,23 +114,13 @@ bool read_half(QDL_Record &record, std::int32_t kind, std::int32_t mode_index, s
                Real *values) {
   const std::int64_t nodes = mode_node_count(record, kind);
   const double factor = mode_factor(record, kind, part);
-  std::vector<double> chunk(static_cast<std::size_t>(std::min(nodes, kChunkRows) * kComponents));
+  const auto chunk = std::make_unique_for_overwrite<double[]>(
+      static_cast<std::size_t>(std::min(nodes, kChunkRows) * kComponents));
   for (std::int64_t first = 0; first < nodes; first += kChunkRows) {
     const std::int64_t rows = std::min(nodes - first, kChunkRows);
-    if (!read_stored_rows(record, kind, mode_index, first, rows, chunk.data()))
+    if (!read_stored_rows(record, kind, mode_index, first, rows, chunk.get()))
       return false;
-    const double *row = chunk.data() + 3 * part;
-    if (factor == 1.0) {
-      for (std::int64_t i = 0; i < rows; ++i, row += kComponents, values += 3) {
-        for (int c = 0; c < 3; ++c)
-          values[c] = static_cast<Real>(row[c]);
-      }
-    } else {
-      for (std::int64_t i = 0; i < rows; ++i, row += kComponents, values += 3) {
-        for (int c = 0; c < 3; ++c)
-          values[c] = static_cast<Real>(row[c] * factor);
-      }
-    }
+    take_half(chunk.get() + 3 * part, rows, factor, values + 3 * first);
   }
   return nodes > 0 || holds_mode(mode_data(record, kind).backing, mode_index);
 }

@@ -272,12 +272,20 @@ struct HalfModes {
 template <class Real>
 using HalfModeCache = std::array<HalfModes<Real>, kModeParts>;
 
+/// The six components last read for one node of one mode.
+struct NodeRow {
+  std::int32_t mode_index = kNoIndex;
+  std::int32_t node = kNoIndex;
+  Vector6 six{};
+};
+
 struct ModeData {
   Backing backing;
   NodeSet nodes;  // kinds 1 and 2
   HalfModeCache<double> doubles;
   HalfModeCache<float> singles;
   std::vector<std::int32_t> misses;  // node-wise reads per mode since its half was last cached
+  NodeRow last_row;                  // of node-wise reads
 };
 
 /// Byte offsets of the 37 blocks in the record's file; those from `unknown_from` on could not be
