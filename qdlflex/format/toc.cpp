@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <initializer_list>
+#include <optional>
 
 #include <qdlflex/qdlflex.h>
 
@@ -274,23 +275,35 @@ bool has_file(const QDL_Record &record) {
 }
 
 /// The count at the head of the first block that tells it: the file's own, which stays as it is
-/// whatever becomes of the record's modes.
-std::int32_t read_file_mode_count(QDL_Record &record, Source &source) {
+/// whatever becomes of the record's modes. None when that head can't be read.
+std::optional<std::int32_t> read_file_mode_count(QDL_Record &record, Source &source) {
   for (const Block block : {Block::kModeShapes, Block::kEigenvalues, Block::kModalStress,
                             Block::kModalStrain, Block::kModalStatistics}) {
-    std::int32_t count = 0;
     if (!in_file(record, block))
       continue;
+    std::int32_t count = 0;
     const auto index = static_cast<std::size_t>(block_index(block));
-    const bool told = has_known_offset(record, block) &&
-                      source.seek(record.contents.offsets[index]) && source.i32(count);
-    return told && count > 0 ? count : 0;
+    if (!source.seek(record.contents.offsets[index]) || !source.i32(count))
+      return std::nullopt;
+    return std::max(count, 0);
   }
   return 0;
 }
 
 std::int64_t measure_at(QDL_Record &record, Source &source, Block block, std::int64_t start) {
   return source.seek(start) ? Measure(record, source).block(block) : Measure::kUnknown;
+}
+
+/// Blocks come in the order of the file: those that tell the mode count stand before those whose
+/// sizes depend on it.
+std::int64_t measure_next(QDL_Record &record, Source &source, Block block, std::int64_t start) {
+  if (block == Block::kOldMonitorPoints) {
+    const std::optional<std::int32_t> modes = read_file_mode_count(record, source);
+    if (!modes)
+      return Measure::kUnknown;
+    record.file_mode_count = *modes;
+  }
+  return in_file(record, block) ? measure_at(record, source, block, start) : 0;
 }
 
 }  // namespace
@@ -303,12 +316,8 @@ void build_table_of_contents(QDL_Record &record) {
   for (std::int32_t index = 0; index + 1 < kBlockCount; ++index) {
     const auto entry = static_cast<std::size_t>(index);
     const Block block = block_at(index);
-    // The blocks that tell the mode count stand before those whose sizes depend on it.
-    if (block == Block::kOldMonitorPoints) {
-      record.file_mode_count = read_file_mode_count(record, source);
-    }
     const std::int64_t start = contents.offsets[entry];
-    const std::int64_t size = in_file(record, block) ? measure_at(record, source, block, start) : 0;
+    const std::int64_t size = measure_next(record, source, block, start);
     if (size < 0 || size > INT64_MAX - start) {
       std::fill(contents.offsets.begin() + index + 1, contents.offsets.end(), start);
       return;
