@@ -3,6 +3,7 @@
 #include <qdlflex/qdlflex.h>
 
 #include <algorithm>
+#include <utility>
 
 #include "format/version.h"
 #include "geometry/coarsened.h"
@@ -168,6 +169,32 @@ void drop_blocks_without_modes(WritePlan &plan) {
     plan.set(Block::kPreStrain, false);
 }
 
+/// Options that cannot be honoured must not be ignored in silence.
+bool report_unavailable(const WriteOptions &options) {
+  const std::pair<bool, const char *> unavailable[] = {
+      {options.shift_frame, "lbrf2cm"},
+      {options.sketch.has_value(), "sketch"},
+      {options.strip_faces, "strip_face"},
+      {options.coarsen.has_value(), "coarsen"},
+      {options.full_invariants, "full_invar"},
+      {options.fast_invariants, "fast_invar"},
+      {options.empty, "empty"},
+  };
+  const auto *found = std::ranges::find(unavailable, true, &std::pair<bool, const char *>::first);
+  if (found == std::end(unavailable))
+    return false;
+  QDL_Error("Write option %s is not available in this build.", found->second);
+  return true;
+}
+
+/// Invariants asked for without saying which ones.
+bool report_illegal_invariants(const WriteOptions &options) {
+  if (!options.invariants || options.full_invariants || options.fast_invariants)
+    return false;
+  QDL_Error("Illegal invariants option, use full_invar or fast_invar.");
+  return true;
+}
+
 }  // namespace
 
 Encoding WritePlan::encoding() const {
@@ -180,9 +207,12 @@ bool WritePlan::full_stress() const {
 }
 
 bool prepare_blocks(QDL_Record &record, const WriteOptions &options, WritePlan &plan) {
+  if (report_unavailable(options))
+    return false;
   plan_stored_blocks(record, plan);
   if (!plan_modes(record, options, plan))
     return false;
+  const bool illegal_invariants = report_illegal_invariants(options);
   copy_presence(record, plan,
                 {Block::kInvariant1, Block::kInvariant2, Block::kInvariant3, Block::kInvariant4,
                  Block::kInvariant5, Block::kInvariant7, Block::kInvariant8, Block::kInvariant9});
@@ -191,6 +221,8 @@ bool prepare_blocks(QDL_Record &record, const WriteOptions &options, WritePlan &
   plan.statistics.resize(static_cast<std::size_t>(plan.modes()));
   plan.set(Block::kModalStatistics, plan.modes() > 0);
   drop_blocks_without_modes(plan);
+  if (options.mks && !illegal_invariants)
+    QDL_SetUnits(&record, "KILOGRAM", "METER", "SECOND", "NEWTON");
   return true;
 }
 
