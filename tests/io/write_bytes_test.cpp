@@ -1,0 +1,260 @@
+// Written files byte for byte against files spelled out by the builder.
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+#include "io/write_fixture.h"
+#include "record/record.h"
+
+namespace {
+
+using namespace qdltest;
+
+class WriteBytes : public WriteFixture {
+ protected:
+  // A built model with these blocks, written in every form.
+  void expect_in_every_form(const SampleModel &content, const SampleModel &written, bool solved,
+                            const std::set<int> &left_out = {}, std::int32_t extra_bits = 0) {
+    for (const WriteForm &form : every_write_form()) {
+      SCOPED_TRACE(form.options);
+      QDL_Terminate();
+      const std::int32_t code = form.code | extra_bits;
+      std::set<int> built = without(written_blocks(60, solved), left_out);
+      if (!solved)
+        built.insert({7, 16});
+      QDL_Record *record = build_record(content, built);
+      const std::set<int> blocks = without(written_blocks(code, solved), left_out);
+      expect_written(record, form.options + (solved ? "" : " no_ortho"),
+                     build_file(code, blocks, in_version(written, code)));
+      EXPECT_EQ(warnings, std::vector<std::string>{});
+    }
+  }
+};
+
+TEST_F(WriteBytes, EveryBlockInEveryForm) {
+  expect_in_every_form(body_with_modes({0, 1, 2}, 7), body_with_modes({0, 1, 2}, 1), true);
+}
+
+TEST_F(WriteBytes, EveryBlockWithoutSolvingTheModes) {
+  const SampleModel content = body_with_modes({0, 1, 2}, 7);
+  expect_in_every_form(content, content, false);
+}
+
+TEST_F(WriteBytes, FacesOfMoreThanFourNodesMarkTheFileAsCoarsened) {
+  SampleModel content = body_with_modes({0, 1}, 1);
+  content.faces = {3, 0, 1, 2, 5, 0, 1, 2, 3, 1, 5, 3, 2, 1, 0, 2};
+  content.topology_lead = 0;
+  content.element_groups = {{0, 3, {{0, 0, 101, 7, 40}}},
+                            {0, 5, {{0, 0, 101, 7, 40, 23, 7}, {0, 0, 23, 40, 7, 101, 40}}}};
+  expect_in_every_form(content, content, true, {}, kCoarsenedBit);
+}
+
+// A stored matrix is not needed: eigenvalues imply the diagonals.
+TEST_F(WriteBytes, GeneralizedMatricesOfSolvedModesAreDiagonals) {
+  const SampleModel content = body_with_modes({0, 1, 2}, 7);
+  SampleModel written = content;
+  written.stiffness = {0, {}};
+  written.mass = {0, {}};
+  for (std::int32_t i = 0; i < 3; ++i) {
+    const Eigenvalue &mode = content.eigenvalues[static_cast<std::size_t>(i)];
+    written.stiffness.entries.push_back({i + 1, i + 1, mode.stiffness, 0});
+    written.mass.entries.push_back({i + 1, i + 1, mode.mass, 0});
+  }
+  expect_written(build_record(content, written_blocks(60)), "no_ortho",
+                 build_file(316, written_blocks(316, false), written));
+}
+
+TEST_F(WriteBytes, ModesOfARecordWithoutTransformationHaveTheIdentity) {
+  const SampleModel content = body_with_modes({0, 1}, 1);
+  SampleModel written = content;
+  written.transformation = {{0, {1.0, 0.0}}, {0, {0.0, 1.0}}};
+  expect_written(build_record(content, without(written_blocks(60), {16})), "",
+                 build_file(316, written_blocks(316), written));
+}
+
+// --- What is left out -------------------------------------------------------------------------
+
+TEST_F(WriteBytes, EmptyModelHoldsUnitsAlone) {
+  SampleModel written{};
+  written.coordinates_per_node = 3;
+  written.units = {"KILOGRAM", "METER", "SECOND", "NEWTON"};
+  for (const WriteForm &form : every_write_form()) {
+    SCOPED_TRACE(form.options);
+    expect_written(QDL_Create(0, 0), form.options, build_file(form.code, {11}, written));
+    expect_written(QDL_Create(0, 0), form.options + " no_ortho",
+                   build_file(form.code, {11, 12, 13}, written));
+  }
+}
+
+// Monitor points and rotor are there but have no values.
+TEST_F(WriteBytes, BodyWithoutModes) {
+  SampleModel content = body_with_modes({}, 1);
+  const std::set<int> blocks = {4, 6, 9, 10, 11, 14, 17, 19, 20, 24, 34, 35, 36, 37};
+  std::set<int> built = blocks;
+  built.insert({15, 18, 31});  // with nothing or for nodes alone
+  QDL_Record *record = build_record(content, built);
+  clear_messages();  // operators without modes are refused
+  for (MonitorPoint &point : content.monitor_points) {
+    point.row_blocks = 0;
+    point.mask = 0;
+  }
+  expect_written(record, "", build_file(316, blocks, content));
+}
+
+// Each block left out in turn: none depends on its neighbours.
+TEST_F(WriteBytes, EachBlockMayBeAbsent) {
+  const SampleModel content = body_with_modes({0, 1}, 1);
+  for (const int absent : written_blocks(60)) {
+    // These the writer makes itself or others are made of.
+    if (std::set<int>{6, 7, 11, 16, 19, 20, 24, 30}.contains(absent))
+      continue;
+    SCOPED_TRACE(testing::Message() << "without block " << absent);
+    QDL_Terminate();
+    std::set<int> left_out = {absent};
+    if (absent == 18)
+      left_out.insert(31);
+    if (absent == 29)
+      left_out.insert(32);
+    const std::set<int> blocks = without(written_blocks(60), left_out);
+    SampleModel written = content;
+    written.statistics = statistics_of(content, blocks);
+    QDL_Record *record = build_record(content, blocks);
+    expect_written(record, "no_xdr", build_file(60, blocks, written));
+  }
+}
+
+// Without stress modes their nodes are not in the file either.
+TEST_F(WriteBytes, PreStressNeedsStressModes) {
+  SampleModel content = body_with_modes({0, 1}, 1);
+  const std::set<int> left_out = {18, 29};
+  QDL_Record *record = build_record(content, without(written_blocks(60), left_out));
+  EXPECT_NE(record->pre_stress.size(), 0U);
+  content.statistics = statistics_of(content, {});
+  expect_written(record, "",
+                 build_file(316, without(written_blocks(316), {18, 29, 31, 32}), content));
+}
+
+// --- Values -----------------------------------------------------------------------------------
+
+TEST_F(WriteBytes, RealsAreKeptOrNarrowedToTheNearestFloat) {
+  SampleModel content = body_with_modes({0, 1}, 1);
+  const double inf = std::numeric_limits<double>::infinity();
+  const std::vector<double> odd = {1.0 / 3.0, -1e-320, 1e300, -1e-50, -0.0, inf};
+  for (std::size_t i = 0; i < 24; ++i)
+    content.mode_shapes.values[0][i] = i < odd.size() ? odd[i] : 0.1 * static_cast<double>(i);
+  content.nodes[0].xyz = {1.0 / 7.0, std::nextafter(16777217.0, inf), -2.0e38 / 3.0};
+  content.nodal_masses[0].values[0] = 0.1;
+  content.nodal_inertias[0].value = 0.7;
+  const std::set<int> blocks = {4, 6, 7, 8, 9, 10, 11, 16, 30};
+  content.statistics = statistics_of(content, {});
+  for (const WriteForm &form : every_write_form()) {
+    SCOPED_TRACE(form.options);
+    QDL_Terminate();
+    expect_written(build_record(content, blocks), form.options,
+                   build_file(form.code, blocks, content));
+  }
+}
+
+// Fields are filled up with NUL and cut at their width; bytes of UTF-8 are characters as any.
+TEST_F(WriteBytes, TextsOfFullWidth) {
+  SampleModel content = body_with_modes({0}, 1);
+  content.header.title = "Gr\xc3\xb6\xc3\x9f\x65 " + std::string(119, 't');
+  content.header.date = std::string(31, 'd');
+  content.header.input_name = std::string(127, 'n');
+  content.header.input_type = std::string(15, 'y');
+  content.header.comments = {std::string(79, 'a'), "", std::string(79, 'c')};
+  content.load_cases[0].label = std::string(255, 'l');
+  content.monitor_points[0].name = std::string(8, 'm');
+  content.monitor_points[0].label = std::string(56, 'p');
+  content.matrix_operators[0].row_labels[1] = std::string(79, 'r');
+  for (const char *options : {"", "no_xdr"}) {
+    QDL_Record *record = build_record(content, written_blocks(60));
+    record->matrix_operators[0].name = "recoverlong";
+    SampleModel written = content;
+    written.matrix_operators[0].name = "recoverl";
+    const std::int32_t code = *options == '\0' ? 316 : 60;
+    expect_written(record, options, build_file(code, written_blocks(code), written));
+  }
+}
+
+// Only values that are not zero are written, node by node; a node whose store is all zero has none.
+TEST_F(WriteBytes, NodalInertiasAreSparse) {
+  SampleModel content = body_with_modes({0}, 1);
+  content.nodal_inertias = {{101, 6, 6, 3.5}, {40, 4, 5, -1.5}, {40, 5, 6, 2.5}};
+  QDL_Record *record = build_record(content, written_blocks(60));
+  EXPECT_EQ(QDL_SetNodalInertia(record, 23, 0.0, 0.0, 0.0, 0.0, 0.0, -0.0), 1);
+  expect_written(record, "", build_file(316, written_blocks(316), content));
+}
+
+// What points to a node that the model does not have is written as node 0.
+TEST_F(WriteBytes, UnknownNodesAreWrittenAsZero) {
+  SampleModel content = body_with_modes({0}, 1);
+  QDL_Record *record = build_record(content, written_blocks(60));
+  record->interface_nodes[1] = qdlflex::kUnknownNode;
+  record->nodal_loads[0].entries[1].node = 77;
+  content.interface_nodes[1] = 0;
+  content.nodal_load_cases[0][1].node_id = 0;
+  expect_written(record, "", build_file(316, written_blocks(316), content));
+}
+
+// A rotor with one of three matrices set, loads and preload shorter than the modes.
+TEST_F(WriteBytes, WhatWasNeverSetIsZero) {
+  SampleModel content = body_with_modes({0, 1}, 1);
+  QDL_Record *record = build_record(content, written_blocks(60));
+  record->rotor.matrices[0] = {};
+  record->rotor.matrices[2].values.resize(1);
+  record->rotor.matrices[2].dimension = 1;
+  record->preload.values.resize(1);
+  record->modal_loads[1].values.clear();
+  content.rotor_matrices[0] = {0, {0.0, 0.0, 0.0, 0.0}};
+  for (const std::size_t i : {1U, 2U, 3U})
+    content.rotor_matrices[2].values[i] = 0.0;
+  content.preload[1] = 0.0;
+  content.load_cases[1].values = {0.0, 0.0};
+  expect_written(record, "", build_file(316, written_blocks(316), content));
+}
+
+// Global mass is derived from invariants, else kept, else derived from the nodes, else absent.
+TEST_F(WriteBytes, GlobalMassComesFromTheBestSource) {
+  SampleModel content = body_with_modes({0}, 1);
+  for (Node &node : content.nodes)
+    node.xyz = {0.0, 0.0, 0.0};
+  content.nodes[1].xyz = {2.0, 1.0, 1.0};
+  content.nodes[2].xyz = {0.0, 3.0, -1.0};
+  content.nodal_masses = {{101, {1.0}}, {7, {2.0}}, {40, {1.0}}, {23, {0.0}}};
+  SampleModel own = content;
+  own.global_mass = {5, 1, 2, 3, 10, -1, -2, -1, 20, -3, -2, -3, 30};
+  const SampleModel from_invariants = content;
+  SampleModel from_nodes = content;
+  // xx = 2 (1 + 1) + 1 (9 + 1), xy = 2 (2 1), yz = 2 (1 1) - 1 (3 1) and so on.
+  from_nodes.global_mass = {4, 1, 1.25, 0.25, 14, 4, 4, 4, 11, -1, 4, -1, 19};
+  struct Case {
+    std::set<int> built;
+    const SampleModel *expected;
+    bool written;
+  };
+  const std::vector<Case> cases = {
+      {{4, 6, 7, 8, 9, 11, 19, 20, 21, 24}, &from_invariants, true},
+      {{4, 6, 7, 8, 9, 11, 19, 20, 24}, &own, true},
+      {{4, 7, 8, 9, 11}, &from_nodes, true},
+      {{4, 7, 8, 11}, &from_nodes, false},
+  };
+  for (const Case &c : cases) {
+    SCOPED_TRACE(testing::PrintToString(c.built));
+    QDL_Terminate();
+    std::set<int> blocks = c.built;
+    blocks.insert({16, 30});
+    if (c.written)
+      blocks.insert(6);
+    SampleModel expected = *c.expected;
+    expected.statistics = statistics_of(content, {});
+    expected.transformation = {{0, {1.0}}};
+    QDL_Record *record = build_record(own, c.built);
+    expect_written(record, "", build_file(316, blocks, expected));
+    EXPECT_EQ(QDL_Exists(record, 5), c.written ? 1 : 0);
+  }
+}
+
+}  // namespace
