@@ -89,10 +89,12 @@ bool read_blocks(QDL_Record &record) {
 template <class Read>
 int32_t reread(QDL_Record *model, Block block, Read read) {
   return with_model(model, kArea, 0, [&](QDL_Record &record) -> int {
-    if (!seek_block(record, block))
+    if (record.source.file == nullptr)
       return 0;
     File &file = *record.source.file;
     const std::int64_t before = file.tell();
+    if (!seek_block(record, block))
+      return 0;
     BlockReader reader(record);
     const bool done = read(reader);
     file.seek(before);
