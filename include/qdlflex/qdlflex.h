@@ -1251,6 +1251,75 @@ QDL_API int32_t QDL_GetMaxVonMisesStrain(QDL_Record *model, int32_t mode_number,
 QDL_API int32_t QDL_RigidBodyModeCount(QDL_Record *model);
 
 /** @} */
+/** @defgroup dense Eigen solver and dense algebra
+ * The eigenproblem A x = lambda B x of two real square matrices, which need neither be symmetric
+ * nor definite, is solved in four stages, called in the order QDL_QZHESS(), QDL_QZITT(),
+ * QDL_QZVALL(), QDL_QZVECC() with the same arrays. Their arguments are passed by address and no
+ * pointer is checked. Matrices are stored column by column: element (i, j), counted from one, is
+ * at (j - 1) * nm + i - 1. `nm` is the leading dimension, `n` (at most `nm`) the order; below 1
+ * nothing is done. With `matz` 0 there will be no eigenvectors, and `z` is not used: may be null.
+ * @{ */
+
+/** Unit roundoff: halves a value until adding it to 1 makes no difference.
+ * @param x where to start, usually 1; receives the result
+ * @return the result; from 1 on 2^-53. Not above 0: `x` as it is. @since 0.1 */
+QDL_API double EIGPSN(double *x);
+
+/** First stage: makes A upper Hessenberg and B upper triangular.
+ * @param nm leading dimension @param n order @param a,b matrices, overwritten
+ * @param matz not 0: collect the transformations @param z receives them. @since 0.1 */
+QDL_API void QDL_QZHESS(const int32_t *nm, const int32_t *n, double *a, double *b,
+                        const int32_t *matz, double *z);
+
+/** Second stage: makes A quasi-triangular, with blocks of order one and two on its diagonal.
+ * @param nm leading dimension @param n order
+ * @param a,b matrices of the first stage, overwritten; element (n, 1) of B receives the size below
+ *   which elements of B count as zero, which the next stages need
+ * @param eps1 relative size below which elements count as zero; not above 0: the unit roundoff
+ * @param matz as in the first stage @param z transformations so far, updated
+ * @param ierr receives 0, or the one-based index of the eigenvalue being sought when the limit of
+ *   30 n steps was reached (at once for n above 2 and values that are not finite). @since 0.1 */
+QDL_API void QDL_QZITT(const int32_t *nm, const int32_t *n, double *a, double *b,
+                       const double *eps1, const int32_t *matz, double *z, int32_t *ierr);
+
+/** Third stage: eigenvalues (alfr + i alfi) / beta, in no particular order; those of a diagonal
+ * pair keep their order.
+ * @param nm leading dimension @param n order @param a,b matrices of the second stage, overwritten
+ * @param alfr,alfi receive n values; of a complex pair the positive imaginary part comes first
+ * @param beta receives n values, none negative; 0 stands for an infinite eigenvalue
+ * @param matz as in the first stage @param z transformations so far, updated. @since 0.1 */
+QDL_API void QDL_QZVALL(const int32_t *nm, const int32_t *n, double *a, double *b, double *alfr,
+                        double *alfi, double *beta, const int32_t *matz, double *z);
+
+/** Last stage: eigenvectors, the component of largest modulus being of modulus 1.
+ * @param nm leading dimension @param n order @param a,b matrices of the third stage; B is
+ *   overwritten @param alfr,alfi,beta eigenvalues of the third stage
+ * @param z transformations of the three stages; receives the vector of eigenvalue j in column j,
+ *   for a complex pair real and imaginary parts of the first one's in its two columns. @since 0.1
+ */
+QDL_API void QDL_QZVECC(const int32_t *nm, const int32_t *n, double *a, double *b,
+                        const double *alfr, const double *alfi, const double *beta, double *z);
+
+/** LU factors of a matrix, with row exchanges for the largest pivot.
+ * @param matrix n rows of n values; receives L below the diagonal (its own, all ones, is not
+ *   stored) and U on and above it
+ * @param n order; below 1: nothing done
+ * @param permutation receives for each row of the factors the index of the matrix's row
+ * @return 1; 0 when a pivot is exactly zero, for n above 1. @since 0.1 */
+QDL_API int32_t QDL_LUPDecomposition(double **matrix, int32_t n, int32_t *permutation);
+
+/** Solves a linear system.
+ * @param factors,permutation results of QDL_LUPDecomposition()
+ * @param n order; below 1: nothing done
+ * @param rhs right-hand side, n values; receives the solution @return 1 or 0. @since 0.1 */
+QDL_API int32_t QDL_LUPSolve(double **factors, int32_t n, const int32_t *permutation, double *rhs);
+
+/** Inverts a matrix.
+ * @param factors,permutation results of QDL_LUPDecomposition(); the factors become the inverse
+ * @param n order; below 1: nothing done @return 1; 0, nothing changed. @since 0.1 */
+QDL_API int32_t QDL_LUPInvert(double **factors, int32_t n, const int32_t *permutation);
+
+/** @} */
 /** @defgroup files Files
  * Blocks are addressed by their index, 0 to 36: one less than their number in the format.
  * @{ */
