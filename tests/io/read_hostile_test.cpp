@@ -35,15 +35,6 @@ constexpr std::array<std::uint8_t, 4> kExtremes = {0x00, 0x7f, 0x80, 0xff};
 
 class Hostile : public ReadFixture {
  protected:
-  // Overwrites part of the file named `name` in place.
-  static void overwrite(const std::string &name, std::size_t at, const std::uint8_t *bytes,
-                        std::size_t count) {
-    std::fstream stream(name, std::ios::binary | std::ios::in | std::ios::out);
-    stream.seekp(static_cast<std::streamoff>(at));
-    stream.write(reinterpret_cast<const char *>(bytes), static_cast<std::streamsize>(count));
-    ASSERT_TRUE(stream.flush());
-  }
-
   // Opens and uses a damaged file.
   void expect_error_or_usable(const std::string &name, std::size_t file_bytes) {
     clear_messages();
@@ -66,26 +57,28 @@ class Hostile : public ReadFixture {
   static constexpr std::size_t kBytesPerFileByte = 16;
 };
 
-TEST_F(Hostile, EveryByteSetToExtremes) {
-  for (const std::int32_t code : every_version_code()) {
+TEST_F(Hostile, BytesSetToExtremes) {
+  for (const std::int32_t code : {10, 31, 60, 60 | kXdrBit | kSingleBit}) {
     SCOPED_TRACE(version_name(code));
     const SampleFile sample = file_with_every_block(code);
     const std::string name = file("damaged.qdl", sample.bytes);
     const std::string good = file("good.qdl", sample.bytes);
-    for (std::size_t at = 0; at < sample.bytes.size(); ++at) {
-      // The text of the header is only ever copied: a sample of it suffices.
-      if (at >= sample.offset[2] + 40 && at < sample.offset[3] && at % 97 != 0)
-        continue;
+    std::fstream stream(name, std::ios::binary | std::ios::in | std::ios::out);
+    const auto overwrite = [&](std::size_t at, std::uint8_t value) {
+      stream.seekp(static_cast<std::streamoff>(at)).put(static_cast<char>(value)).flush();
+      ASSERT_TRUE(stream);
+    };
+    for (const std::size_t at : telling_places(sample)) {
       for (const std::uint8_t value : kExtremes) {
         if (value == sample.bytes[at])
           continue;
         SCOPED_TRACE(testing::Message() << "byte " << at << " = " << int{value});
-        overwrite(name, at, &value, 1);
+        overwrite(at, value);
         expect_error_or_usable(name, sample.bytes.size());
         if (HasFailure())
           return;
       }
-      overwrite(name, at, &sample.bytes[at], 1);
+      overwrite(at, sample.bytes[at]);
     }
     clear_messages();
     expect_record(QDL_CreateFromQDL(good.c_str()), sample_model(), sample);
@@ -192,10 +185,13 @@ class ReadFaults : public Hostile {
       const std::size_t faults = sweep(
           door, persistence, [&] { return QDL_CreateFromQDL(name.c_str()); },
           [&](QDL_Record *record, bool fired) {
-            if (record != nullptr)
-              expect_record(record, sample_model(), sample);
-            else
+            // A block that could not be measured hides those after it; nothing else is wrong then.
+            if (record == nullptr)
               EXPECT_TRUE(fired);
+            else if (fired && door == Door::kFile)
+              expect_content(record, sample_model(), sample);
+            else
+              expect_record(record, sample_model(), sample);
             judge_messages(door, record != nullptr);
             QDL_Terminate();
             EXPECT_EQ(open_descriptors(), descriptors);

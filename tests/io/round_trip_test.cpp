@@ -142,17 +142,17 @@ TEST_F(RoundTrip, BareFile) {
 TEST_F(RoundTrip, RecordsAgree) {
   for (const WriteForm &form : every_write_form()) {
     SCOPED_TRACE(form.options);
+    if (is_oldest(form.code))
+      continue;  // the reader ignores their newer blocks; see the round trips
     const SampleModel model = body_with_modes({0, 1}, 1);
     QDL_Terminate();
     QDL_Record *record = build_record(model, written_blocks(60));
     ASSERT_EQ(write(record, form.options), 1);
-    QDL_Destroy(record);
+    QDL_UnLink(record);
     clear_messages();
     std::set<int> blocks = written_blocks(form.code);
     const SampleModel written = in_version(model, form.code);
     SampleFile file = build_file(form.code, blocks, written);
-    if (is_oldest(form.code))
-      continue;  // the reader ignores their newer blocks; see the round trips
     SampleModel narrowed = written;
     for (ModeStatistics &mode : narrowed.statistics)
       if (file.precision == Precision::kSingle)

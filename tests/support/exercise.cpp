@@ -117,11 +117,14 @@ void ask_monitor_points(QDL_Record *record) {
     QDL_GetMonitorPointLocation(record, i, location.data());
     QDL_GetMonitorPointNameLabel(record, i, name.data(), label.data());
     QDL_GetMonitorPointOperatorSize(record, i, &rows, &columns);
+    const std::size_t values = size_of(rows) * size_of(columns);
     const std::size_t loads = size_of(QDL_GetMonitorPointNumLoadOperator(record, i));
-    std::vector<double> data((loads + 1) * size_of(rows) * size_of(columns));
-    for (std::int32_t op = 0; op <= 5; ++op)
-      if (QDL_MonitorPointHasOperator(record, i, op) != 0)
-        QDL_GetMonitorPointOperator(record, i, op, data.data());
+    for (std::int32_t op = 0; op <= 5; ++op) {
+      if (QDL_MonitorPointHasOperator(record, i, op) == 0)
+        continue;
+      std::vector<double> data(op == 4 ? loads * values : values);
+      QDL_GetMonitorPointOperator(record, i, op, data.data());
+    }
   }
 }
 

@@ -455,6 +455,20 @@ std::int32_t SampleFile::i32_at(std::size_t at) const {
   return static_cast<std::int32_t>(word);
 }
 
+std::vector<std::size_t> telling_places(const SampleFile &file) {
+  constexpr std::size_t kLongRun = 16;
+  constexpr std::size_t kOneIn = 23;
+  std::vector<std::size_t> places;
+  std::size_t zeros_before = 0;
+  for (std::size_t at = 0; at < file.bytes.size(); ++at) {
+    zeros_before = file.bytes[at] == 0 ? zeros_before + 1 : 0;
+    const bool in_summary = at >= file.offset[3] && at < file.offset[4];
+    if (zeros_before < kLongRun || in_summary || at % kOneIn == 0)
+      places.push_back(at);
+  }
+  return places;
+}
+
 const std::vector<std::int32_t> &every_version_code() {
   static const std::vector<std::int32_t> codes = {
       10, 20, 30, 31, 40, 41, 50, 51, 60, 60 | kXdrBit, 60 | kSingleBit, 60 | kXdrBit | kSingleBit};

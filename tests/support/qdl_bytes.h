@@ -203,6 +203,9 @@ struct SampleFile {
   void cut(std::size_t length) { bytes.resize(length); }
 };
 
+// The places in a file worth a test of their own: all but most of the padding of its texts.
+std::vector<std::size_t> telling_places(const SampleFile &file);
+
 // The byte of the content summary that tells whether the block is there; -1 for blocks 1 to 3.
 int summary_byte(int block_id);
 

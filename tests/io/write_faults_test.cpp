@@ -1,0 +1,296 @@
+// Writes that fail half-way: one clear failure, no file, and a model that can be written elsewhere.
+
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+
+#include <csignal>
+#include <filesystem>
+#include <map>
+
+#include "io/write_fixture.h"
+#include "record/record.h"
+#include "support/fault.h"
+
+namespace {
+
+using namespace qdltest;
+namespace fs = std::filesystem;
+
+const std::string &error_of_block(int block) {
+  static const std::map<int, std::string> by_block = {
+      {1, "Problem writing version number."},
+      {2, "Problem writing header information."},
+      {3, "Problem writing content summary.\n"},
+      {4, "Problem writing nodal coordinates.\n"},
+      {5, "Problem writing element topology map."},
+      {6, "Problem writing Global Body Properties."},
+      {7, "Problem writing eigenvalues."},
+      {8, "Problem writing Mode Shapes."},
+      {9, "Problem writing Nodal Masses.\n"},
+      {10, "Problem writing Nodal Inertia info."},
+      {11, "Problem writing Units strings."},
+      {12, "Problem writing Generalized Stiffness info."},
+      {13, "Problem writing Generalized Mass info."},
+      {14, "Problem writing element face info."},
+      {15, "Problem writing Generalized Damping info."},
+      {16, "Problem writing Mode Shape Transformation."},
+      {17, "Problem writing Interface Nodes."},
+      {18, "Problem writing Modal Stress.\n"},
+      {19, "Problem writing Invariant 1.\n"},
+      {20, "Problem writing Invariant 2.\n"},
+      {21, "Problem writing Invariant 3.\n"},
+      {22, "Problem writing Invariant 4.\n"},
+      {23, "Problem writing Invariant 5.\n"},
+      {24, "Problem writing Invariant 7.\n"},
+      {25, "Problem writing Invariant 8.\n"},
+      {26, "Problem writing Invariant 9.\n"},
+      {27, "Problem writing Preload.\n"},
+      {28, "Problem writing Modal Loads.\n"},
+      {29, "Problem writing Modal Strain."},
+      {30, "Problem writing Modal Statistics.\n"},
+      {31, "Problem writing Pre-Stress.\n"},
+      {32, "Problem writing Pre-Strain.\n"},
+      {34, "Problem writing Matrix Operator Data.\n"},
+      {35, "Problem writing Modal Load Nodal.\n"},
+      {36, "Problem writing Monitor Point Data.\n"},
+      {37, "Problem writing Rotor Dynamics Data.\n"},
+  };
+  return by_block.at(block);
+}
+
+bool is_allocation_error(const std::string &text) {
+  return text.starts_with("Failed to allocate memory at line ");
+}
+
+bool is_block_error(const std::string &text) {
+  return text.starts_with("Problem writing ");
+}
+
+bool is_mode_error(const std::string &text) {
+  return text.starts_with("Problem reading mod");
+}
+
+// Each file that a process writes is at most this long while it lives.
+class FileSizeLimit {
+ public:
+  explicit FileSizeLimit(std::size_t bytes) : handler_(std::signal(SIGXFSZ, SIG_IGN)) {
+    getrlimit(RLIMIT_FSIZE, &before_);
+    rlimit limit = before_;
+    limit.rlim_cur = bytes;
+    setrlimit(RLIMIT_FSIZE, &limit);
+  }
+  ~FileSizeLimit() {
+    setrlimit(RLIMIT_FSIZE, &before_);
+    std::signal(SIGXFSZ, handler_);
+  }
+  FileSizeLimit(const FileSizeLimit &) = delete;
+  FileSizeLimit &operator=(const FileSizeLimit &) = delete;
+
+ private:
+  void (*handler_)(int);
+  rlimit before_{};
+};
+
+class WriteFaults : public WriteFixture {
+ protected:
+  SampleModel content_ = body_with_modes({0, 1}, 1);
+
+  // The body read from a file, so that its modes and invariants are still there.
+  QDL_Record *opened_body() { return open(build_file(316, written_blocks(316), content_)); }
+
+  // Every operation failing in turn, in one form.
+  void sweep_write(Door door, Persistence persistence, const WriteForm &form) {
+    SCOPED_TRACE(form.options);
+    const ScopedEnvironment variable("ZEB_QDLWRITE_OPTIONS", form.options.c_str());
+    const std::string name = path("written.qdl");
+    const SampleFile expected =
+        build_file(form.code, written_blocks(form.code), in_version(content_, form.code));
+    const std::size_t faults = sweep(
+        door, persistence,
+        [&] {
+          QDL_Record *record = nullptr;
+          {
+            const PauseFaults pause;
+            record = opened_body();
+          }
+          return QDL_write_QDL(record, name.c_str());
+        },
+        [&](std::int32_t result, bool fired) {
+          judge(result, fired, door, persistence);
+          fs::remove(name);
+          clear_messages();
+          QDL_Record *record = QDL_FindQDL(path("body.qdl").c_str());
+          if (fired)
+            expect_written(record, form.options, expected);
+        });
+    EXPECT_GT(faults, 20U);
+  }
+
+  void judge(std::int32_t result, bool fired, Door door, Persistence persistence) {
+    if (result != 0) {
+      EXPECT_EQ(errors, std::vector<std::string>{});
+      EXPECT_FALSE(fired) << "the fault went unnoticed";
+      return;
+    }
+    ASSERT_GE(errors.size(), 1U);
+    ASSERT_LE(errors.size(), 2U) << testing::PrintToString(errors);
+    if (door == Door::kMemory) {
+      EXPECT_TRUE(is_allocation_error(errors[0]) || errors[0].starts_with("Unable to open "))
+          << errors[0];
+    }
+    if (errors.size() == 2) {
+      EXPECT_TRUE(is_allocation_error(errors[0]) || is_mode_error(errors[0])) << errors[0];
+      EXPECT_TRUE(is_block_error(errors[1])) << errors[1];
+    }
+    // When nothing more can be done with files, the file can't be removed either.
+    if (door == Door::kMemory || persistence == Persistence::kOnce) {
+      EXPECT_FALSE(exists("written.qdl"));
+    }
+  }
+};
+
+const WriteForm kXdr = {"", 316};
+const WriteForm kNativeSingleFull = {"full_str no_xdr single", 50};
+
+TEST_F(WriteFaults, AllocationsFailOnce) {
+  sweep_write(Door::kMemory, Persistence::kOnce, kXdr);
+  sweep_write(Door::kMemory, Persistence::kOnce, kNativeSingleFull);
+}
+
+TEST_F(WriteFaults, AllocationsFailForEver) {
+  sweep_write(Door::kMemory, Persistence::kEverAfter, kXdr);
+}
+
+TEST_F(WriteFaults, FileOperationsFailOnce) {
+  sweep_write(Door::kFile, Persistence::kOnce, kXdr);
+  sweep_write(Door::kFile, Persistence::kOnce, kNativeSingleFull);
+}
+
+TEST_F(WriteFaults, FileOperationsFailForEver) {
+  sweep_write(Door::kFile, Persistence::kEverAfter, kNativeSingleFull);
+}
+
+// --- Disks ------------------------------------------------------------------------------------
+
+// A disk that fills up in a block, with its first, a middle and its last byte.
+TEST_F(WriteFaults, FullDiskIsReportedByTheBlockThatDoesNotFit) {
+  const WriteForm forms[] = {kXdr, {"82_comp", 20}, {"no_xdr single", 572}};
+  for (const bool solved : {true, false}) {
+    for (const WriteForm &form : forms) {
+      const std::string options = form.options + (solved ? "" : " no_ortho");
+      QDL_Record *record = open(build_file(60, written_blocks(60, solved), content_));
+      const SampleFile whole =
+          build_file(form.code, written_blocks(form.code, solved), in_version(content_, form.code));
+      for (int block = 1; block <= 37; ++block) {
+        const std::size_t start = whole.offset[static_cast<std::size_t>(block)];
+        const std::size_t end = whole.offset[static_cast<std::size_t>(block) + 1];
+        for (const std::size_t limit : std::set<std::size_t>{start, (start + end) / 2, end - 1}) {
+          if (start == end)
+            continue;
+          SCOPED_TRACE(testing::Message()
+                       << options << ": " << limit << " bytes, in block " << block);
+          const FileSizeLimit size_limit(limit);
+          expect_refused(record, options, {error_of_block(block)});
+        }
+      }
+      expect_written(record, options, whole);
+      fs::remove(path("written.qdl"));
+    }
+  }
+}
+
+TEST_F(WriteFaults, DevicesStay) {
+  if (!fs::is_character_file("/dev/full"))
+    GTEST_SKIP() << "skipped: there is no /dev/full";
+  QDL_Record *record = opened_body();
+  clear_messages();
+  EXPECT_EQ(QDL_write_QDL(record, "/dev/full"), 0);
+  expect_only_error(error_of_block(1));
+  EXPECT_TRUE(fs::is_character_file("/dev/full"));
+  EXPECT_EQ(QDL_write_QDL(record, "/dev/null"), 1);
+}
+
+// --- The model's own file ---------------------------------------------------------------------
+
+TEST_F(WriteFaults, SourceCutShortWhileOpen) {
+  const SampleFile source = build_file(60, written_blocks(60), content_);
+  struct Case {
+    int block;
+    std::string mode_error;
+  };
+  // Each lacks the last byte of the last mode.
+  const std::vector<Case> cases = {{8, "Problem reading mode shape 3"},
+                                   {18, "Problem reading modal stress vector 3"},
+                                   {29, "Problem reading modal strain vector 3"}};
+  for (const Case &c : cases) {
+    SCOPED_TRACE(c.mode_error);
+    // Blocks that are read when they are needed would be missed first.
+    QDL_Record *record = open(source);
+    for (const std::size_t invariant : {3U, 4U, 5U, 8U, 9U})
+      record->invariants[invariant] = {qdlflex::Origin::kSupplied, 2,
+                                       content_.invariants[invariant]};
+    for (const std::size_t invariant : {1U, 2U, 7U})
+      record->invariants[invariant] = {qdlflex::Origin::kSupplied, 0,
+                                       content_.invariants[invariant]};
+    fs::resize_file(path("body.qdl"), source.offset[static_cast<std::size_t>(c.block) + 1] - 1);
+    expect_refused(record, "", {c.mode_error, error_of_block(c.block)});
+    write_file(path("body.qdl"), source.bytes);
+    clear_messages();
+    expect_written(record, "", build_file(316, written_blocks(316), content_));
+    fs::remove(path("written.qdl"));
+  }
+}
+
+TEST_F(WriteFaults, InvariantsCutAwayWhileOpen) {
+  const SampleFile source = build_file(60, written_blocks(60), content_);
+  for (const int block : {21, 22, 23, 25, 26}) {
+    SCOPED_TRACE(block);
+    QDL_Record *record = open(source);
+    fs::resize_file(path("body.qdl"), source.offset[static_cast<std::size_t>(block)] + 12);
+    clear_messages();
+    EXPECT_EQ(write(record, ""), 0) << "numbers that could not be read have been made up";
+    EXPECT_FALSE(exists("written.qdl"));
+    fs::remove(path("written.qdl"));
+  }
+}
+
+// --- Memory -----------------------------------------------------------------------------------
+
+TEST_F(WriteFaults, OnlyOneModeIsInMemory) {
+  constexpr std::size_t kNodes = 5000;
+  constexpr std::size_t kModes = 12;
+  SampleModel content{};
+  content.mode_count = kModes;
+  content.coordinates_per_node = 3;
+  content.units = {"KILOGRAM", "METER", "SECOND", "NEWTON"};
+  for (std::size_t i = 0; i < kNodes; ++i) {
+    content.nodes.push_back(
+        {static_cast<std::int32_t>(i + 1), {1.0 + static_cast<double>(i), 2, 3}});
+    content.mode_shapes.node_ids.push_back(static_cast<std::int32_t>(i + 1));
+  }
+  for (std::size_t mode = 0; mode < kModes; ++mode) {
+    const auto number = static_cast<std::int32_t>(mode + 1);
+    content.mode_shapes.numbers.push_back(number);
+    auto &values = content.mode_shapes.values.emplace_back();
+    for (std::size_t i = 0; i < 6 * kNodes; ++i)
+      values.push_back(static_cast<double>(mode + 1) / static_cast<double>(i + 1));
+    content.eigenvalues.push_back({number, 1, 2, 3, 4, 5});
+    content.transformation.push_back({0, std::vector<double>(kModes, 0.5)});
+    content.statistics.emplace_back();
+  }
+  const std::set<int> blocks = {4, 7, 8, 11, 16, 30};
+  QDL_Record *record = open(build_file(60, blocks, content));
+  for (const WriteForm &form : {kXdr, kNativeSingleFull}) {
+    const SampleFile expected = build_file(form.code, blocks, content);
+    std::size_t peak_bytes = 0;
+    {
+      const PeakMemory peak;
+      EXPECT_EQ(write(record, form.options), 1);
+      peak_bytes = peak.bytes();
+    }
+    EXPECT_LT(peak_bytes, 2 * 6 * kNodes * sizeof(double) + (1 << 18));
+    expect_written(record, form.options, expected);
+  }
+}
+
+}  // namespace

@@ -1,0 +1,281 @@
+// What a write says: progress in order, warnings, and the refusal of names.
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "io/write_fixture.h"
+#include "record/record.h"
+
+namespace {
+
+using namespace qdltest;
+namespace fs = std::filesystem;
+
+std::string yes_or_no(const std::string &label, bool yes) {
+  return std::string(30 - label.size(), ' ') + label + (yes ? " Yes" : " No");
+}
+
+const std::vector<std::string> kLabels = {
+    "Nodal Coords",           "Element Faces",       "Eigenvalues",         "Mode Shapes",
+    "Global Mass Properties", "Nodal Masses",        "Nodal Inertias",      "Generalized Stiffness",
+    "Generalized Mass",       "Generalized Damping", "Mode Transformation", "Stress Modes",
+    "Interface Nodes",        "Inertia Invariants",  "Modal Preload",       "Modal Loads",
+    "Strain Modes",           "Nodal Pre-Stress",    "Nodal Pre-Strain",    "Matrix Operators",
+    "Modal Load Nodal",       "Monitor Points",      "Rotor Dynamics"};
+
+// The lines that announce a file; all say yes but those of `absent`.
+std::vector<std::string> announcement(const std::set<std::string> &absent) {
+  std::vector<std::string> lines = {"\nCreating a QDL File with the following information:\n"};
+  for (const std::string &label : kLabels)
+    lines.push_back(yes_or_no(label, !absent.contains(label)));
+  return lines;
+}
+
+void append(std::vector<std::string> &lines, const std::vector<std::string> &more) {
+  lines.insert(lines.end(), more.begin(), more.end());
+}
+
+const std::vector<std::string> kNodeLines = {
+    "\nNode info:\n   Count: 4",
+    "\nGlobal body properties:",
+    "Mass          : 8.000000\n",
+    "Center of Mass: 0.500000 -0.250000 2.000000",
+    "Inertia Tensor: 1.500000 -2.000000 -3.000000",
+    "                -4.000000 5.000000 -6.000000",
+    "                -7.000000 -8.000000 9.000000",
+};
+const std::vector<std::string> kModeLines = {
+    "\nTrans Mode info:\n   Modes: 2\n   Nodes: 4",
+    "\nWriting Mode Shapes",
+    "\nNodal inertia info:\n   Sparse matrix entries: 7",
+    "\nUnits:\n   Mass:   KILOGRAM\n   Length: MILLIMETER\n   Time:   SECOND\n   Force:  NEWTON",
+};
+const std::vector<std::string> kLaterLines = {
+    "\nMatrix Operator Info:\n   Count: 2",
+    "\nModal Load Nodal Info:\n   Count: 2",
+    "\nMonitor Point info:\n   Count: 2",
+    "\nRotor Dynamics info:\n",
+    "   Number of Matrices: 3",
+    "   Center of Axis: 1.500000 2.500000 3.500000",
+    "   Vector of Axis: 4.500000 5.500000 6.500000",
+};
+
+class WriteMessages : public WriteFixture {
+ protected:
+  // Invariants of the rigid body alone, so that nothing is projected.
+  QDL_Record *whole_body(const std::set<int> &added) {
+    SampleModel content = body_with_modes({0, 1}, 1);
+    content.global_mass = {8, 0.5, -0.25, 2, 1.5, -2, -3, -4, 5, -6, -7, -8, 9};
+    std::set<int> blocks = without(written_blocks(60), {21, 22, 23, 25, 26});
+    blocks.insert(added.begin(), added.end());
+    QDL_Record *record = build_record(content, blocks);
+    clear_messages();
+    return record;
+  }
+};
+
+TEST_F(WriteMessages, SolvedModes) {
+  ASSERT_EQ(write(whole_body({}), ""), 1);
+  std::vector<std::string> expected = {"Exporting frequency range [-1.000000e+00,1.000000e+08]\n"};
+  append(expected, announcement({"Generalized Stiffness", "Generalized Mass"}));
+  append(expected, kNodeLines);
+  append(expected, {"\nEigenvalue info:\n   Modes: 2"});
+  append(expected, kModeLines);
+  append(expected, {"\nNumber of Element Faces: 3", "\nStress Mode info:\n   Modes: 2\n   Nodes: 3",
+                    "\nStrain Mode info:\n   Modes: 2\n   Nodes: 2",
+                    "\nPre-Stress info:\n   Nodes: 3", "\nPre-Strain info:\n   Nodes: 2"});
+  append(expected, kLaterLines);
+  EXPECT_EQ(infos, expected);
+  expect_only_warnings({});
+}
+
+// Old-style faces have neither a line nor a yes; stress and strain reach every node.
+TEST_F(WriteMessages, OldVersionWithGeneralizedMatrices) {
+  ASSERT_EQ(write(whole_body({12, 13}), "82_comp no_ortho lowpass(7)"), 1);
+  std::vector<std::string> expected =
+      announcement({"Element Faces", "Eigenvalues", "Mode Transformation"});
+  append(expected, kNodeLines);
+  append(expected, kModeLines);
+  append(expected, {"\nStress Mode info:\n   Modes: 2\n   Nodes: 4",
+                    "\nStrain Mode info:\n   Modes: 2\n   Nodes: 4",
+                    "\nPre-Stress info:\n   Nodes: 4", "\nPre-Strain info:\n   Nodes: 4"});
+  append(expected, kLaterLines);
+  EXPECT_EQ(infos, expected);
+  expect_only_warnings({});
+}
+
+// The two lines of generalized matrices tell what the record holds, not what is written.
+TEST_F(WriteMessages, EmptyModel) {
+  QDL_Record *record = QDL_Create(0, 0);
+  clear_messages();
+  ASSERT_EQ(write(record, "no_ortho"), 1);
+  const std::set<std::string> all(kLabels.begin(), kLabels.end());
+  std::vector<std::string> expected = announcement(all);
+  append(expected,
+         {"\nUnits:\n   Mass:   KILOGRAM\n   Length: METER\n   Time:   SECOND\n   Force:  NEWTON"});
+  EXPECT_EQ(infos, expected);
+}
+
+TEST_F(WriteMessages, FrequencyLimits) {
+  const std::vector<std::array<std::string, 2>> cases = {
+      {"lowpass(250)", "[-1.000000e+00,2.500000e+02]"},
+      {"highpass(1.5)", "[1.500000e+00,1.000000e+08]"},
+      {"highpass(-3)lowpass(abc)", "[-3.000000e+00,0.000000e+00]"},
+  };
+  for (const auto &[options, range] : cases) {
+    QDL_Record *record = whole_body({});
+    EXPECT_EQ(write(record, options), 1);
+    ASSERT_FALSE(infos.empty());
+    EXPECT_EQ(infos[0], "Exporting frequency range " + range + "\n");
+    EXPECT_EQ(std::count_if(infos.begin(), infos.end(),
+                            [](const auto &line) { return line.starts_with("Exporting"); }),
+              1);
+  }
+}
+
+TEST_F(WriteMessages, WarnsOfNodesAtTheOriginAndWithoutMass) {
+  SampleModel content = body_with_modes({0, 1}, 1);
+  content.nodes[1].xyz = {0.0, -0.0, 0.0};
+  content.nodes[3].xyz = {0.0, 0.0, 0.0};
+  content.nodal_masses[0].values[0] = 0.0;
+  content.nodal_masses[2].values[0] = -0.0;
+  QDL_Record *record = build_record(content, {4, 7, 8, 9, 11});
+  ASSERT_EQ(write(record, ""), 1);
+  expect_only_warnings({"Found 2 node(s) with coordinates (0,0,0).  They are:", "   7", "   23",
+                        "Found 2 massless node(s)"});
+}
+
+TEST_F(WriteMessages, WarnsOfZeroModesAndWritesThem) {
+  SampleModel content = body_with_modes({0, 1, 2}, 4);
+  for (double &value : content.mode_shapes.values[1])
+    value = 0.0;
+  for (double &value : content.stress.values[2])
+    value = 1e-170;  // its square is no number any more
+  for (double &value : content.strain.values[0])
+    value = 0.0;
+  content.strain.values[0][11] = 1e-150;
+  for (double &value : content.strain.values[1])
+    value = -0.0;
+  SampleModel written = body_with_modes({0, 1, 2}, 1);
+  written.mode_shapes.values = content.mode_shapes.values;
+  written.stress.values = content.stress.values;
+  written.strain.values = content.strain.values;
+  const std::set<int> blocks = {4, 7, 8, 11, 16, 18, 29, 30};
+  written.statistics = statistics_of(written, blocks);
+  QDL_Record *record = build_record(content, blocks);
+  expect_written(record, "", build_file(316, blocks, written));
+  expect_only_warnings({"The mode shape for mode 3 has only zero entries\n",
+                        "The modal stresses for mode 5 have only zero entries\n",
+                        "The modal strains for mode 3 have only zero entries\n"});
+}
+
+// --- Names ------------------------------------------------------------------------------------
+
+std::string same_name(const std::string &current, const std::string &output) {
+  return "The output QDL name must be different than the current QDL name.\n"
+         "  Current QDL name:  " +
+         current + "\n  Output QDL name:  " + output;
+}
+
+class OutputName : public WriteFixture {
+ protected:
+  const SampleFile source_ =
+      build_file(316, without(usual_blocks(316), {12, 13}), body_with_modes({0, 1}, 1));
+
+  // Expects the refusal, and that nothing became of any file.
+  void expect_protected(QDL_Record *record, const std::string &current, const std::string &output) {
+    SCOPED_TRACE(output);
+    clear_messages();
+    const auto before = read_file(output);
+    EXPECT_EQ(QDL_write_QDL(record, output.c_str()), 0);
+    expect_only_error(same_name(current, output));
+    EXPECT_EQ(infos, std::vector<std::string>{});
+    EXPECT_EQ(read_file(output), before);
+  }
+};
+
+TEST_F(OutputName, FileOfTheModelIsProtectedUnderEveryName) {
+  QDL_Record *record = open(source_);
+  const std::string current = path("body.qdl");
+  fs::create_hard_link(current, path("hard.qdl"));
+  fs::create_symlink(current, path("soft.qdl"));
+  for (const std::string &name : {current, path("./body.qdl"), path("hard.qdl"), path("soft.qdl")})
+    expect_protected(record, current, name);
+  EXPECT_EQ(write(record, "", "other.qdl"), 1);
+}
+
+TEST_F(OutputName, FilesOfOtherModelsAreProtected) {
+  QDL_Record *other = open(source_);
+  ASSERT_NE(other, nullptr);
+  QDL_Record *record = build_record(body_with_modes({0, 1}, 1), {4, 7, 8, 11});
+  expect_protected(record, "", path("body.qdl"));
+  // The modes of the model that was built lie in a file too.
+  for (QDL_Record *writer : {record, other}) {
+    std::string temporary;
+    for (const fs::directory_entry &entry : fs::directory_iterator(directory()))
+      if (entry.path().filename().string().starts_with("qdl_"))
+        temporary = entry.path().string();
+    ASSERT_NE(temporary, "");
+    expect_protected(writer, writer == other ? path("body.qdl") : "", temporary);
+  }
+  QDL_UnLink(other);
+  EXPECT_EQ(QDL_write_QDL(record, path("body.qdl").c_str()), 1) << "nobody needs it any more";
+}
+
+// The name counts, even when the file behind it has been replaced.
+TEST_F(OutputName, NameOfTheModelIsProtected) {
+  QDL_Record *record = open(source_);
+  const std::string current = path("body.qdl");
+  fs::remove(current);
+  file("body.qdl", {1, 2, 3});
+  expect_protected(record, current, current);
+  fs::remove(current);
+  EXPECT_EQ(QDL_write_QDL(record, current.c_str()), 0);
+  EXPECT_FALSE(exists("body.qdl"));
+}
+
+TEST_F(OutputName, NamesThatCannotBeOpened) {
+  QDL_Record *record = build_record(body_with_modes({0, 1}, 1), {4, 7, 8, 11});
+  const auto unable = [](const std::string &name) {
+    return "Unable to open " + name + " for write. Please check write permissions.";
+  };
+  for (const std::string &name : {std::string(), path("missing/body.qdl"), directory().string(),
+                                  path(std::string(300, 'x'))}) {
+    SCOPED_TRACE(name);
+    clear_messages();
+    EXPECT_EQ(QDL_write_QDL(record, name.c_str()), 0);
+    expect_only_error(unable(name));
+    EXPECT_EQ(infos, std::vector<std::string>{});
+  }
+  clear_messages();
+  EXPECT_EQ(QDL_write_QDL(record, nullptr), 0);
+  expect_only_error(unable(""));
+  EXPECT_FALSE(exists("missing"));
+
+  clear_messages();
+  EXPECT_EQ(QDL_write_QDL(nullptr, path("written.qdl").c_str()), 0);
+  expect_only_error("The database has not been initialized.");
+  EXPECT_FALSE(exists("written.qdl"));
+}
+
+// Messages are cut, whatever is put into them.
+TEST_F(OutputName, LongNames) {
+  QDL_Record *record = build_record(body_with_modes({0, 1}, 1), {4, 7, 8, 11});
+  clear_messages();
+  EXPECT_EQ(QDL_write_QDL(record, path(std::string(100000, '%')).c_str()), 0);
+  ASSERT_EQ(errors.size(), 1U);
+  EXPECT_LE(errors[0].size(), 1008U);
+}
+
+TEST_F(OutputName, AnExistingFileIsReplaced) {
+  file("written.qdl", std::vector<std::uint8_t>(100000, 7));
+  const SampleModel content = body_with_modes({0, 1}, 1);
+  expect_written(build_record(content, written_blocks(60)), "",
+                 build_file(316, written_blocks(316), content));
+  // A name in UTF-8.
+  expect_written(build_record(content, written_blocks(60)), "",
+                 build_file(316, written_blocks(316), content), "k\xc3\xb6rper.qdl");
+}
+
+}  // namespace
