@@ -3,6 +3,7 @@
 #include <array>
 #include <cfloat>
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <cstring>
 
@@ -43,7 +44,9 @@ class Powers {
   }
 
  private:
-  static std::size_t place(int n) { return static_cast<std::size_t>(n + kLargestExponent); }
+  static std::size_t place(int n) {
+    return static_cast<std::size_t>(std::ptrdiff_t{n} + kLargestExponent);
+  }
 
   std::array<double, 2 * kLargestExponent + 1> table_;
 };
