@@ -47,27 +47,33 @@ inline void apply(const Reflection3 &h, double &p, double &q, double &r) {
   r += t * h.v3;
 }
 
-}  // namespace
+// Most of the solver's time goes into these and the loops over rows below.
 
-// What follows takes most of the solver's time.
-
-QDLFLEX_VECTOR_CLONES void reflect_columns(const Reflection2 &reflection, const Matrix &matrix,
-                                           Index column, Index begin, Index end) {
+QDLFLEX_VECTOR_CLONES void apply_to_all(const Reflection2 &reflection, double *__restrict p,
+                                        double *__restrict q, Index count) {
   const Reflection2 h = reflection;
-  double *__restrict p = matrix.at(0, column + 1);
-  double *__restrict q = matrix.at(0, column);
-  for (Index i = begin; i < end; ++i)
+  for (Index i = 0; i < count; ++i)
     apply(h, p[i], q[i]);
 }
 
-QDLFLEX_VECTOR_CLONES void reflect_columns(const Reflection3 &reflection, const Matrix &matrix,
-                                           Index column, Index begin, Index end) {
+QDLFLEX_VECTOR_CLONES void apply_to_all(const Reflection3 &reflection, double *__restrict p,
+                                        double *__restrict q, double *__restrict r, Index count) {
   const Reflection3 h = reflection;
-  double *__restrict p = matrix.at(0, column + 2);
-  double *__restrict q = matrix.at(0, column + 1);
-  double *__restrict r = matrix.at(0, column);
-  for (Index i = begin; i < end; ++i)
+  for (Index i = 0; i < count; ++i)
     apply(h, p[i], q[i], r[i]);
+}
+
+}  // namespace
+
+void reflect_columns(const Reflection2 &reflection, const Matrix &matrix, Index column, Index begin,
+                     Index end) {
+  apply_to_all(reflection, matrix.at(begin, column + 1), matrix.at(begin, column), end - begin);
+}
+
+void reflect_columns(const Reflection3 &reflection, const Matrix &matrix, Index column, Index begin,
+                     Index end) {
+  apply_to_all(reflection, matrix.at(begin, column + 2), matrix.at(begin, column + 1),
+               matrix.at(begin, column), end - begin);
 }
 
 void reflect_rows(const Reflection2 &reflection, const Matrix &matrix, Index row, Index begin,
