@@ -94,14 +94,11 @@ bool write_file(QDL_Record &record, const std::string &path) {
     report_unable_to_open(path.c_str());
     return false;
   }
-  bool written = guarded(kArea, false, [&] { return write_contents(record, *file); });
-  if (!file->close() && written) {
-    // What was buffered has been flushed block by block, so this is the last one's failure.
-    QDL_Error("Problem writing Rotor Dynamics Data.\n");
-    written = false;
-  }
-  if (!written)
+  const bool written = guarded(kArea, false, [&] { return write_contents(record, *file); });
+  if (!written) {
+    file->close();
     remove_regular_file(path);
+  }
   return written;
 }
 
