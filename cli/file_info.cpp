@@ -202,6 +202,7 @@ FileInfo read_file_info(const std::string &path) {
   read_counts(record.get(), info);
   info.blocks = list_blocks(record.get(), info.size);
   info.modes = list_modes(record.get());
+  info.data = read_model_data(record.get());
   return info;
 }
 
@@ -220,6 +221,7 @@ void print_tables(const FileInfo &info) {
   print_field("units", info.units.mass + ", " + info.units.length + ", " + info.units.time + ", " +
                            info.units.force);
   print_counts(info);
+  print_model_data(info.data);
 
   std::printf("\n%6s  %-26s %12s %12s\n", "block", "", "offset", "bytes");
   for (const BlockInfo &block : info.blocks) {
@@ -266,7 +268,8 @@ void print_json(const FileInfo &info) {
                                         {"faces", info.face_count},
                                         {"interface_nodes", info.interface_node_count}}},
                                       {"blocks", blocks},
-                                      {"modes", modes}};
+                                      {"modes", modes},
+                                      {"model_data", model_data_json(info.data)}};
   // Text in a file need not be UTF-8.
   std::printf("%s\n", all.dump(2, ' ', false, nlohmann::json::error_handler_t::replace).c_str());
 }

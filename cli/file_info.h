@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "model_data.h"
 #include "units.h"
 
 namespace qdlflex::cli {
@@ -48,6 +49,7 @@ struct FileInfo {
   int32_t interface_node_count = 0;
   std::vector<BlockInfo> blocks;
   std::vector<ModeInfo> modes;
+  ModelData data;
 };
 
 /// Throws a Failure if the file cannot be opened as a QDL file.
