@@ -6,19 +6,13 @@
 #include "record/record.h"
 #include "support/allocate.h"
 #include "support/boundary.h"
+#include "support/item_at.h"
 
 using namespace qdlflex;
 
 namespace {
 
 constexpr const char *kArea = "qdldata";
-
-template <class Item>
-Item *item_at(std::vector<Item> &items, std::int32_t index) {
-  if (index < 0 || static_cast<std::size_t>(index) >= items.size())
-    return nullptr;
-  return &items[static_cast<std::size_t>(index)];
-}
 
 ModalLoadCase *modal_case(QDL_Record *model, std::int32_t index) {
   return model == nullptr ? nullptr : item_at(model->modal_loads, index);

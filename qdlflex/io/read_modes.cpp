@@ -21,6 +21,13 @@ void derive_from_eigenvalue(EigenEntry &entry) {
   entry.generalized_stiffness = entry.eigenvalue;
 }
 
+/// Single precision rounds the mark of an infinite eigenvalue, which must stay recognisable.
+double restore_mark(double eigenvalue) {
+  return eigenvalue == static_cast<double>(static_cast<float>(kInfiniteEigenvalue))
+             ? kInfiniteEigenvalue
+             : eigenvalue;
+}
+
 std::vector<std::int32_t> counted_from_one(std::int32_t count) {
   std::vector<std::int32_t> numbers(static_cast<std::size_t>(std::max(count, 0)));
   std::iota(numbers.begin(), numbers.end(), 1);
@@ -50,7 +57,12 @@ Reading BlockReader::read_eigenvalues() {
     double values[5];
     decode_reals(values, bytes + 4, 5, encoding);
     EigenEntry &entry = record_.eigenvalues.emplace_back();
-    entry = {decode_i32(bytes, encoding), values[0], values[1], values[2], values[3], values[4]};
+    entry = {decode_i32(bytes, encoding),
+             restore_mark(values[0]),
+             values[1],
+             values[2],
+             values[3],
+             values[4]};
     if (version_number(record_.version_code) == 10)
       derive_from_eigenvalue(entry);
     return true;

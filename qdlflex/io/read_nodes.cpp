@@ -6,13 +6,6 @@
 #include "record/lookups.h"
 
 namespace qdlflex {
-namespace {
-
-/// Where a row and a column (4 to 6) of a nodal inertia stand among xx, yy, zz, xy, xz, yz.
-constexpr std::size_t kInertiaPlace[3][3] = {{0, 3, 4}, {3, 1, 5}, {4, 5, 2}};
-
-}  // namespace
-
 bool BlockReader::nodal_coordinates() {
   return read(Block::kNodalCoordinates, "Out of memory while reading Nodal Coordinate block",
               &BlockReader::read_nodal_coordinates);
@@ -152,7 +145,9 @@ Reading BlockReader::read_inertia_entry(const unsigned char *bytes) {
     QDL_Error("Error allocating memory for inertia matrix for node %d\n", node->id);
     return Reading::kReported;
   }
-  double &value = (*node->inertia)[kInertiaPlace[row - 4][column - 4]];
+  const std::size_t place =
+      symmetric_place(static_cast<std::size_t>(row - 4), static_cast<std::size_t>(column - 4));
+  double &value = (*node->inertia)[place];
   if (value != 0.0)
     QDL_Warning("Redefining mass of Nodal inertia %d", node->id);
   value = decode_real(bytes + 4 + 2 * step, encoding);

@@ -24,12 +24,6 @@ InvariantSlot &slot_of(QDL_Record &record, int number) {
   return record.invariants[static_cast<std::size_t>(number)];
 }
 
-Block block_of(int number) {
-  // The blocks follow the numbers, of which 6 has none.
-  const int step = number < 6 ? number - 1 : number - 2;
-  return block_at(block_index(Block::kInvariant1) + step);
-}
-
 /// As many values as the present modes need, also where the block is laid out for another number
 /// of modes. What the file is too short for stays zero.
 std::vector<double> read_values(QDL_Record &record, int number) {
@@ -57,7 +51,7 @@ double *handed_out(const InvariantSlot &slot) {
 
 bool load_invariant(QDL_Record &record, int number) {
   InvariantSlot &slot = slot_of(record, number);
-  if (slot.origin == Origin::kEmpty && seek_block(record, block_of(number))) {
+  if (slot.origin == Origin::kEmpty && seek_block(record, invariant_block(number))) {
     std::vector<double> values = read_values(record, number);
     UnitConversion(invariant_unit_factor(number, record.units.cumulative))(values);
     slot = {Origin::kSupplied, mode_count(record), std::move(values)};
