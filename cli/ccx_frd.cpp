@@ -126,7 +126,8 @@ void FrdFile::read_user_line(std::string_view line) {
   constexpr std::string_view material = "    1UMAT";
   if (line.starts_with(material)) {
     const int32_t number = lines_.integer(column(line, material.size(), kShortWidth));
-    materials_[number] = upper(trim(line.substr(material.size() + kShortWidth)));
+    materials_[number] =
+        upper(trim(column(line, material.size() + kShortWidth, std::string_view::npos)));
   } else if (title_.empty()) {
     title_ = trim(line.substr(6));
   }

@@ -82,6 +82,11 @@ TEST_F(FrdFileTest, TakesWindowsLineEnds) {
   expect_two_modes(file);
 }
 
+TEST_F(FrdFileTest, TakesAMaterialWithoutName) {
+  FrdFile file = open(replaced(two_modes(), "    1UMAT    1STEEL\n", "    1UMAT   1\n"));
+  EXPECT_EQ(file.materials().at(1), "");
+}
+
 TEST_F(FrdFileTest, TakesTheLastOfRepeatedBlocks) {
   FrdFile file =
       open(frd_text(frd_block(1, "DISP") + frd_block(2, "DISP") + frd_block(1, "DISP", 0.5)));
@@ -152,6 +157,7 @@ TEST_F(FrdFileTest, SaysWhatIsWrongAndWhere) {
   } cases[] = {
       {"    1C\n", "*NODE\n",
        ":1: this is not a CalculiX result file in text form (no 1C in the first line)"},
+      {"    1UMAT    1STEEL\n", "    1UMAT    x\n", ":4: \"x\" is not an integer"},
       {"4                                     1", "4                                     3",
        ":5: only the long text format is read (*NODE FILE, not *NODE OUTPUT)"},
       {"    2C                             4", "    2C                     123456789",
