@@ -75,6 +75,8 @@ TEST_F(RigidBodyModes, AreThoseBeforeTheLastJumpOfSixOrFewer) {
       {{0.099, 9, 10, 10.1}, 3},
       {{0.1, 9, 10, 10.1}, 0},
       {{-0.05, 11, 5}, 1},
+      {{-5, 11}, 0},
+      {{0.05, 10}, 0},
       {{0, 0, 0, 0, 0, 0}, 0},
       {{0, 0, 1e-9}, 2},  // more than 10000 times nothing
       {{1, 10000, 10001}, 0},
