@@ -59,11 +59,8 @@ QDL_Record *QDL_CreateFromQDL(const char *fileName) {
     std::shared_ptr<File> file = File::open(fileName, "rb");
     if (file == nullptr)
       return nullptr;
-    QDL_Record *record = append(std::make_unique<QDL_Record>());
-    if (read_file(*record, std::move(file)))
-      return record;
-    destroy(record);
-    return nullptr;
+    auto record = std::make_unique<QDL_Record>();
+    return read_file(*record, std::move(file)) ? append(std::move(record)) : nullptr;
   });
 }
 

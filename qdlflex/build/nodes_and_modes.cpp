@@ -79,14 +79,21 @@ std::int32_t find_or_add_slot(QDL_Record &record, std::int32_t kind, std::int32_
   const auto node = static_cast<std::size_t>(node_index);
   if (node >= set.slot_of_node.size())
     set.slot_of_node.resize(record.nodes.size(), kNoIndex);
-  if (set.slot_of_node[node] == kNoIndex) {
-    const std::size_t slot = set.node_of_slot.size();
-    set.foreign_ids.resize(slot + 1);
-    set.node_of_slot.push_back(node_index);
-    set.slot_of_node[node] = static_cast<std::int32_t>(slot);
-    note_mode_layout_changed(record);
+  std::int32_t &slot = set.slot_of_node[node];
+  if (slot != kNoIndex)
+    return slot;
+  // A file may name a node that has only now been added.
+  slot = find_mode_node(record, kind, node_id(record, node_index));
+  if (slot != kNoIndex) {
+    set.node_of_slot[static_cast<std::size_t>(slot)] = node_index;
+    return slot;
   }
-  return set.slot_of_node[node];
+  const auto next = static_cast<std::int32_t>(set.node_of_slot.size());
+  set.foreign_ids.resize(set.node_of_slot.size() + 1);
+  set.node_of_slot.push_back(node_index);
+  slot = next;
+  note_mode_layout_changed(record);
+  return slot;
 }
 
 }  // namespace qdlflex

@@ -54,16 +54,6 @@ void scale_damping_on_principal_axes(GeneralizedMatrix &damping, const UnitRatio
   }
 }
 
-void scale_generalized_matrices(QDL_Record &record, const UnitRatios &ratios) {
-  const double force_length = ratios.force * ratios.length;
-  scale_entries(record.stiffness, UnitConversion(force_length));
-  scale_entries(record.mass, UnitConversion(ratios.mass * ratios.length * ratios.length));
-  if (record.damping_on_principal_axes)
-    scale_damping_on_principal_axes(record.damping, ratios);
-  else
-    scale_entries(record.damping, UnitConversion(force_length * ratios.time));
-}
-
 void scale_eigenvalues(QDL_Record &record, const UnitRatios &ratios) {
   const UnitConversion eigenvalue(ratios.force / (ratios.mass * ratios.length));
   const UnitConversion frequency(1.0 / ratios.time);
@@ -179,6 +169,21 @@ void scale_rotor(RotorDynamics &rotor, const UnitRatios &ratios) {
 
 }  // namespace
 
+void scale_stiffness(GeneralizedMatrix &stiffness, const UnitRatios &ratios) {
+  scale_entries(stiffness, UnitConversion(ratios.force * ratios.length));
+}
+
+void scale_mass(GeneralizedMatrix &mass, const UnitRatios &ratios) {
+  scale_entries(mass, UnitConversion(ratios.mass * ratios.length * ratios.length));
+}
+
+void scale_damping(QDL_Record &record, const UnitRatios &ratios) {
+  if (record.damping_on_principal_axes)
+    scale_damping_on_principal_axes(record.damping, ratios);
+  else
+    scale_entries(record.damping, UnitConversion(ratios.force * ratios.length * ratios.time));
+}
+
 std::int32_t rigid_modes_of_processed_loads(const QDL_Record &record) {
   const bool needed = record.preload.processed != 0 ||
                       std::ranges::any_of(record.modal_loads, [](const ModalLoadCase &load) {
@@ -194,7 +199,9 @@ void scale_database(QDL_Record &record, std::int32_t rigid_modes) {
   const UnitRatios &ratios = record.units.current;
   scale_nodes(record, ratios);
   scale_global_mass(record.global_mass, ratios);
-  scale_generalized_matrices(record, ratios);
+  scale_stiffness(record.stiffness, ratios);
+  scale_mass(record.mass, ratios);
+  scale_damping(record, ratios);
   scale_eigenvalues(record, ratios);
   scale_loads(record, ratios, rigid_modes);
   scale_invariants(record, ratios);

@@ -11,6 +11,11 @@ namespace qdlflex {
 /// taken before.
 std::int32_t rigid_modes_of_processed_loads(const QDL_Record &record);
 
+// Conversion of one generalized matrix.
+void scale_stiffness(GeneralizedMatrix &stiffness, const UnitRatios &ratios);
+void scale_mass(GeneralizedMatrix &mass, const UnitRatios &ratios);
+void scale_damping(QDL_Record &record, const UnitRatios &ratios);
+
 /// Applies the current unit ratios to every stored number. Mode data stays as it is stored, only
 /// its caches are emptied. Invariants and statistics that still lie in the file are converted when
 /// they are read.

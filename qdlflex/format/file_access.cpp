@@ -51,7 +51,7 @@ std::int64_t base_position(std::FILE *stream, std::int32_t whence) {
 }  // namespace
 
 FILE *File_Open(const char *name, const char *mode) {
-  return open_stream(name, mode);
+  return guarded(kArea, static_cast<FILE *>(nullptr), [&] { return open_stream(name, mode); });
 }
 
 int32_t is_utf8_included(const char *text) {

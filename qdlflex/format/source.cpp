@@ -15,9 +15,11 @@ Source::~Source() {
 bool Source::skip(std::int64_t bytes) {
   // Seeking drops what the stream has buffered, so short gaps are read over.
   constexpr std::int64_t kShort = 4096;
-  if (bytes <= kShort)
-    return bytes >= 0 && block(bytes) != nullptr;
   const std::int64_t position = tell();
+  if (bytes < 0)
+    return false;
+  if (bytes <= kShort && block(bytes) != nullptr)
+    return true;
   return position >= 0 && bytes <= INT64_MAX - position && seek(position + bytes);
 }
 

@@ -97,7 +97,7 @@ class Measure {
 };
 
 std::int64_t Measure::mode_shapes() {
-  const std::int64_t number = has_mode_numbers(record_.version_code) ? 4 : 0;
+  const std::int64_t number = has_mode_numbers(record_.file_version_code) ? 4 : 0;
   return from_head<2>([&](ByteCount &size, const auto &counts) {
     const std::int64_t modes = counts[0];
     const std::int64_t nodes = counts[1];

@@ -138,7 +138,7 @@ bool BlockReader::summary() {
     return false;
   }
   std::memcpy(record_.file_summary.data(), bytes.data(), bytes.size());
-  if (has_short_summary(record_.version_code)) {
+  if (has_short_summary(record_.file_version_code)) {
     std::fill(record_.file_summary.begin() + 17, record_.file_summary.begin() + 98,
               std::uint8_t{0});
     record_.file_summary[99] = 0;

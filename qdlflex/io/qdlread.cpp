@@ -5,6 +5,7 @@
 #include <memory>
 #include <utility>
 
+#include "build/scale_database.h"
 #include "format/version.h"
 #include "io/block_reader.h"
 #include "support/boundary.h"
@@ -17,8 +18,6 @@ constexpr const char *kArea = "qdlread";
 /// Keeps what belongs to the handle and not to what was read into it.
 void reset_contents(QDL_Record &record) {
   QDL_Record fresh;
-  fresh.planned_nodes = record.planned_nodes;
-  fresh.planned_modes = record.planned_modes;
   fresh.keep_modes_in_memory = record.keep_modes_in_memory;
   fresh.mass_normalize_modes = record.mass_normalize_modes;
   fresh.surface_mesh = record.surface_mesh;
@@ -56,6 +55,11 @@ bool detect_encoding(QDL_Record &record) {
   record.version_code = kept_version_code(code);
   record.source.double_precision = !is_single_precision(record.version_code);
   record.coarsened = is_coarsened_code(record.version_code);
+  record.file_version_code = record.version_code;
+  for (ModeData &data : record.mode_data) {
+    data.backing.channel.xdr = record.source.xdr;
+    data.backing.channel.double_precision = record.source.double_precision;
+  }
   return true;
 }
 
@@ -85,9 +89,15 @@ bool read_blocks(QDL_Record &record) {
          reader.monitor_points() && reader.rotor_dynamics();
 }
 
-/// Reads one of the generalized matrices again and leaves the file where it was.
-template <class Read>
-int32_t reread(QDL_Record *model, Block block, Read read) {
+/// Damping is projected whenever invariants are written beside it.
+bool holds_projected_damping(const QDL_Record &record) {
+  return in_file(record, Block::kGeneralizedDamping) && in_file(record, Block::kInvariant3);
+}
+
+/// Reads one of the generalized matrices again, converts it to the units that the record has by now
+/// and leaves the file where it was.
+template <class Read, class Convert>
+int32_t reread(QDL_Record *model, Block block, Read read, Convert convert) {
   return with_model(model, kArea, 0, [&](QDL_Record &record) -> int {
     if (record.source.file == nullptr)
       return 0;
@@ -97,6 +107,8 @@ int32_t reread(QDL_Record *model, Block block, Read read) {
       return 0;
     BlockReader reader(record);
     const bool done = read(reader);
+    if (done)
+      convert(record);
     file.seek(before);
     return done ? 1 : 0;
   });
@@ -116,9 +128,7 @@ bool read_file(QDL_Record &record, std::shared_ptr<File> file) {
   }
   if (!read_blocks(record))
     return false;
-  // Damping is projected whenever invariants are written beside it.
-  record.damping_on_principal_axes =
-      in_file(record, Block::kGeneralizedDamping) && in_file(record, Block::kInvariant3);
+  record.damping_on_principal_axes = holds_projected_damping(record);
   return true;
 }
 
@@ -137,16 +147,24 @@ int32_t QDL_ReadQDL(QDL_Record *model, FILE *stream, const char *fileName) {
 }
 
 int32_t QDL_ReadGeneralizedStiffness(QDL_Record *model) {
-  return reread(model, Block::kGeneralizedStiffness,
-                [](BlockReader &reader) { return reader.generalized_stiffness(); });
+  return reread(
+      model, Block::kGeneralizedStiffness,
+      [](BlockReader &reader) { return reader.generalized_stiffness(); },
+      [](QDL_Record &record) { scale_stiffness(record.stiffness, record.units.cumulative); });
 }
 
 int32_t QDL_ReadGeneralizedMass(QDL_Record *model) {
-  return reread(model, Block::kGeneralizedMass,
-                [](BlockReader &reader) { return reader.generalized_mass(); });
+  return reread(
+      model, Block::kGeneralizedMass, [](BlockReader &reader) { return reader.generalized_mass(); },
+      [](QDL_Record &record) { scale_mass(record.mass, record.units.cumulative); });
 }
 
 int32_t QDL_ReadGeneralizedDamping(QDL_Record *model) {
-  return reread(model, Block::kGeneralizedDamping,
-                [](BlockReader &reader) { return reader.generalized_damping(); });
+  return reread(
+      model, Block::kGeneralizedDamping,
+      [](BlockReader &reader) { return reader.generalized_damping(); },
+      [](QDL_Record &record) {
+        record.damping_on_principal_axes = holds_projected_damping(record);
+        scale_damping(record, record.units.cumulative);
+      });
 }

@@ -89,6 +89,7 @@ bool write_contents(QDL_Record &record, File &file) {
 bool write_file(QDL_Record &record, const std::string &path) {
   if (would_destroy_open_data(record, path))
     return false;
+  const FileSizeSignalBlock no_signal;
   const std::shared_ptr<File> file = File::open(path, "wb");
   if (file == nullptr) {
     report_unable_to_open(path.c_str());

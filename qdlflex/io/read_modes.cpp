@@ -63,7 +63,7 @@ Reading BlockReader::read_eigenvalues() {
              values[2],
              values[3],
              values[4]};
-    if (version_number(record_.version_code) == 10)
+    if (version_number(record_.file_version_code) == 10)
       derive_from_eigenvalue(entry);
     return true;
   });
@@ -81,7 +81,7 @@ bool BlockReader::read_mode_head(ModeHead &head, std::vector<std::int32_t> &ids)
   if (!source_.i32s(ids.data(), ids.size()))
     return false;
   head.values_start = source_.tell();
-  const std::int64_t number = has_mode_numbers(record_.version_code) ? 4 : 0;
+  const std::int64_t number = has_mode_numbers(record_.file_version_code) ? 4 : 0;
   head.mode_bytes =
       number + std::int64_t{kComponents} * head.nodes * source_.encoding().real_bytes();
   return head_fits(head);
@@ -98,7 +98,7 @@ bool BlockReader::head_fits(ModeHead &head) const {
 bool BlockReader::locate_modes(std::int32_t kind, const ModeHead &head,
                                std::vector<std::int32_t> &numbers) {
   Backing &backing = record_.mode_data[static_cast<std::size_t>(kind)].backing;
-  const bool numbered = has_mode_numbers(record_.version_code);
+  const bool numbered = has_mode_numbers(record_.file_version_code);
   backing.channel = record_.source;
   backing.stride = head.nodes;
   backing.starts.reserve(static_cast<std::size_t>(head.modes));
@@ -125,7 +125,7 @@ Reading BlockReader::read_mode_shapes() {
   if (!source_.i32(head.modes))
     return Reading::kProblem;
   const auto eigenvalues = static_cast<std::int32_t>(record_.eigenvalues.size());
-  if (in_file(record_, Block::kEigenvalues) && eigenvalues > 0 && head.modes != eigenvalues) {
+  if (in_file(record_, Block::kEigenvalues) && head.modes != eigenvalues) {
     QDL_Error("Number of mode shapes does not match the number of eigenvalues");
     return Reading::kReported;
   }
@@ -139,7 +139,7 @@ Reading BlockReader::read_mode_shapes() {
   std::vector<std::int32_t> numbers;
   if (!locate_modes(kModeShapes, head, numbers))
     return Reading::kProblem;
-  const std::uint32_t version = version_number(record_.version_code);
+  const std::uint32_t version = version_number(record_.file_version_code);
   const bool numbers_count = version != 10 && version != 20;
   record_.mode_numbers = numbers_count ? std::move(numbers) : counted_from_one(head.modes);
   if (!numbers_count && eigenvalues > 0) {
@@ -186,7 +186,9 @@ bool BlockReader::mode_list() {
     return true;
   const bool had_memory = with_memory([&] {
     if (!in_file(record_, Block::kEigenvalues)) {
-      record_.mode_numbers = counted_from_one(record_.file_mode_count);
+      // A count that the file has no room for is reported where its block is read.
+      const bool plausible = record_.file_mode_count <= record_.source.file->size() / 4;
+      record_.mode_numbers = counted_from_one(plausible ? record_.file_mode_count : 0);
       return;
     }
     for (const EigenEntry &entry : record_.eigenvalues) {
@@ -238,7 +240,7 @@ Reading BlockReader::read_stress_like(std::int32_t kind) {
       !locate_modes(kind, head, numbers)) {
     return Reading::kProblem;
   }
-  const std::uint32_t version = version_number(record_.version_code);
+  const std::uint32_t version = version_number(record_.file_version_code);
   if (version != 10 && version != 20 && numbers != record_.mode_numbers) {
     QDL_Error("%s", stress ? "Stress modes are in a different order than mode shapes"
                            : "Strain modes are in a different order than mode shapes");
@@ -274,7 +276,8 @@ bool BlockReader::modal_statistics() {
 Reading BlockReader::read_modal_statistics() {
   StatisticsTable &table = record_.statistics;
   std::int32_t count = 0;
-  const std::int64_t mode_bytes = kStatisticSlots * (4 + source_.encoding().real_bytes());
+  constexpr auto kSlots = static_cast<std::int64_t>(kStatisticSlots);
+  const std::int64_t mode_bytes = kSlots * (4 + source_.encoding().real_bytes());
   if (!source_.i32(count) || !source_.fits(count, mode_bytes))
     return Reading::kProblem;
   table.modes.resize(static_cast<std::size_t>(count));

@@ -6,6 +6,7 @@
 #include "record/lookups.h"
 
 namespace qdlflex {
+
 bool BlockReader::nodal_coordinates() {
   return read(Block::kNodalCoordinates, "Out of memory while reading Nodal Coordinate block",
               &BlockReader::read_nodal_coordinates);
@@ -83,6 +84,8 @@ Reading BlockReader::read_nodal_masses() {
   const std::int64_t record_bytes = 4 + std::int64_t{values} * encoding.real_bytes();
   if (!source_.fits(count, record_bytes))
     return Reading::kProblem;
+  if (count == 0)
+    return Reading::kDone;
   std::vector<double> masses(static_cast<std::size_t>(values));
   next_node_ = 0;
   const bool read = source_.records(count, record_bytes, [&](const unsigned char *bytes) {
@@ -232,6 +235,8 @@ bool BlockReader::read_face_group(std::vector<std::int32_t> &list, std::int32_t 
   const auto nodes = static_cast<std::size_t>(head[2]);
   if (!source_.fits(head[1], 4 * (std::int64_t{head[2]} + 2)))
     return false;
+  if (head[1] == 0)
+    return true;
   std::vector<std::int32_t> element(nodes + 2);
   for (std::int32_t i = 0; i < head[1]; ++i, ++count) {
     if (!source_.i32s(element.data(), element.size()))

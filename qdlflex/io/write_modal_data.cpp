@@ -33,10 +33,12 @@ struct DampingIndices {
   std::int32_t written(std::int32_t index) const {
     if (!on_principal_axes)
       return exports_mode(index) ? index - first_mode : kNoIndex;
+    if (index < 0)
+      return kNoIndex;
     const bool axis = index < 6;
     const std::int32_t mode = index - 6 + rigid_modes;
     if (first_mode == 0)
-      return index >= 0 && (axis || mode < end_mode) ? index : kNoIndex;
+      return axis || mode < end_mode ? index : kNoIndex;
     return !axis && exports_mode(mode) ? mode - first_mode : kNoIndex;
   }
 };
@@ -108,7 +110,7 @@ bool BlockWriter::transformation() {
 
 bool BlockWriter::rigid_invariant(int number) {
   const std::vector<double> &values = obtain_invariant(record_, number).values;
-  return sink_.reals(values.data(), values.size());
+  return !values.empty() && sink_.reals(values.data(), values.size());
 }
 
 bool BlockWriter::modal_invariant(int number) {

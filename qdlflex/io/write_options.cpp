@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <string_view>
 
 #include "format/version.h"
@@ -71,8 +72,11 @@ std::optional<double> frequency_argument(std::string_view text, std::string_view
   std::string_view number = only(*argument, " 0123456789.e-");
   number.remove_prefix(std::min(number.find_first_not_of(' '), number.size()));
   double value = 0.0;
-  std::from_chars(number.data(), number.data() + number.size(), value);
-  return value;
+  const auto read = std::from_chars(number.data(), number.data() + number.size(), value);
+  if (read.ec != std::errc::result_out_of_range)
+    return value;
+  const double limit = number.find("e-") == std::string_view::npos ? HUGE_VAL : 0.0;
+  return number.starts_with('-') ? -limit : limit;
 }
 
 /// Refusals of the two versions of old, each of which fails the write.

@@ -81,11 +81,16 @@ void plan_frequency_band(const QDL_Record &record, const WriteOptions &options, 
 void renumber_modes(QDL_Record &record, std::int32_t first_mode) {
   if (record.mode_numbers.empty())
     return;
-  const std::int32_t shift = record.mode_numbers[static_cast<std::size_t>(first_mode)] - 1;
+  // Numbers from a file may be any, so the differences wrap around.
+  const auto first =
+      static_cast<std::uint32_t>(record.mode_numbers[static_cast<std::size_t>(first_mode)]);
+  const auto renumbered = [&](std::int32_t number) {
+    return static_cast<std::int32_t>(static_cast<std::uint32_t>(number) - first + 1u);
+  };
   for (std::int32_t &number : record.mode_numbers)
-    number -= shift;
+    number = renumbered(number);
   for (EigenEntry &entry : record.eigenvalues)
-    entry.mode_number -= shift;
+    entry.mode_number = renumbered(entry.mode_number);
 }
 
 /// Modes with an eigenvalue table and no generalized entries are orthonormal already: they stay as
@@ -122,23 +127,18 @@ bool plan_modes(QDL_Record &record, const WriteOptions &options, WritePlan &plan
   return true;
 }
 
-/// Mass, centre and inertia from the invariants.
-void derive_global_mass(QDL_Record &record, WritePlan &plan) {
-  update_global_mass(record);
-  raise(record, Block::kGlobalBodyProperties);
-  plan.set(Block::kGlobalBodyProperties, true);
-}
-
+/// Mass, centre and inertia come from the invariants where those are known, else they are the
+/// record's own, else they are derived from the nodes by every write anew, so that masses set in
+/// between count.
 void plan_global_mass(QDL_Record &record, bool invariants_known, WritePlan &plan) {
+  const bool own = present(record, Block::kGlobalBodyProperties);
   const bool from_nodes =
       present(record, Block::kNodalCoordinates) && present(record, Block::kNodalMasses);
-  if (invariants_known) {
-    derive_global_mass(record, plan);
-  } else if (present(record, Block::kGlobalBodyProperties)) {
-    plan.set(Block::kGlobalBodyProperties, true);
-  } else if (from_nodes) {
-    derive_global_mass(record, plan);
-  }
+  if (invariants_known || (!own && from_nodes))
+    update_global_mass(record);
+  if (invariants_known)
+    raise(record, Block::kGlobalBodyProperties);
+  plan.set(Block::kGlobalBodyProperties, invariants_known || own || from_nodes);
 }
 
 void plan_modal_data(const QDL_Record &record, WritePlan &plan) {
@@ -195,6 +195,15 @@ bool report_illegal_invariants(const WriteOptions &options) {
   return true;
 }
 
+/// Damping beside invariants is taken to be projected on principal axes by whoever reads the file.
+bool damping_needs_projection(const QDL_Record &record, const WritePlan &plan) {
+  const bool beside = plan.writes(Block::kInvariant3) && plan.writes(Block::kGeneralizedDamping);
+  if (!beside || record.damping_on_principal_axes || record.damping.entries.empty())
+    return false;
+  QDL_Error("Projecting the damping on principal axes is not available in this build.");
+  return true;
+}
+
 }  // namespace
 
 Encoding WritePlan::encoding() const {
@@ -216,6 +225,8 @@ bool prepare_blocks(QDL_Record &record, const WriteOptions &options, WritePlan &
   copy_presence(record, plan,
                 {Block::kInvariant1, Block::kInvariant2, Block::kInvariant3, Block::kInvariant4,
                  Block::kInvariant5, Block::kInvariant7, Block::kInvariant8, Block::kInvariant9});
+  if (damping_needs_projection(record, plan))
+    return false;
   plan_global_mass(record, present(record, Block::kInvariant3), plan);
   plan_modal_data(record, plan);
   plan.statistics.resize(static_cast<std::size_t>(plan.modes()));

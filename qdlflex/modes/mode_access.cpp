@@ -112,7 +112,7 @@ bool read_node(const HalfRequest &request, std::int32_t node, double *values) {
 bool read_node_through_last_row(const HalfRequest &request, std::int32_t node, double *values) {
   NodeRow &last = mode_data(request.record, request.kind).last_row;
   if (last.mode_index != request.mode_index || last.node != node) {
-    last.mode_index = kNoIndex;
+    last = NodeRow{};
     if (!read_row(request, node, last.six.data()))
       return false;
     last.mode_index = request.mode_index;
@@ -130,11 +130,14 @@ bool worth_loading(const HalfRequest &request) {
   if (request.mode_index < 0)
     return false;
   const std::int32_t limit = std::max(32, mode_node_count(request.record, request.kind) / 32);
-  return ++misses[static_cast<std::size_t>(request.mode_index)] > limit;
+  std::int32_t &count = misses[static_cast<std::size_t>(request.mode_index)];
+  if (++count <= limit)
+    return false;
+  count = 0;
+  return has_room<double>(request.record, request.kind, request.part);
 }
 
 void load_half(const HalfRequest &request) {
-  mode_data(request.record, request.kind).misses.clear();
   guarded(kArea, 0, [&] {
     std::vector<double> half(request.length());
     if (read_half(request.record, request.kind, request.mode_index, request.part, half.data())) {

@@ -28,26 +28,11 @@ std::int64_t vectors_within(std::int64_t limit, std::int64_t nodes, std::int64_t
 template <class Real>
 constexpr bool kIsDouble = std::is_same_v<Real, double>;
 
-/// All double-precision vectors share one limit; single precision has one per kind and part.
-template <class Real>
-bool has_room(QDL_Record &record, std::int32_t kind, std::int32_t part) {
-  if constexpr (kIsDouble<Real>) {
-    if (record.cache_capacity == 0)
-      record.cache_capacity = compute_double_capacity(record);
-    return record.cached_halves < record.cache_capacity;
-  } else {
-    HalfModes<float> &halves = half_modes<float>(record, kind, part);
-    if (halves.capacity == 0)
-      halves.capacity = compute_single_capacity(record, kind);
-    return halves.count < halves.capacity;
-  }
-}
-
 template <class Real>
 void drop_halves(QDL_Record &record, HalfModes<Real> &halves) {
   if constexpr (kIsDouble<Real>)
     record.cached_halves -= halves.count;
-  if (halves.count > 0 || halves.overflow != nullptr)
+  if (!halves.by_mode.empty() || halves.overflow != nullptr)
     halves = HalfModes<Real>{};
 }
 
@@ -69,6 +54,21 @@ HalfModes<Real> &half_modes(QDL_Record &record, std::int32_t kind, std::int32_t 
   }
 }
 
+/// All double-precision vectors share one limit; single precision has one per kind and part.
+template <class Real>
+bool has_room(QDL_Record &record, std::int32_t kind, std::int32_t part) {
+  if constexpr (kIsDouble<Real>) {
+    if (record.cache_capacity == 0)
+      record.cache_capacity = compute_double_capacity(record);
+    return record.cached_halves < record.cache_capacity;
+  } else {
+    HalfModes<float> &halves = half_modes<float>(record, kind, part);
+    if (halves.capacity == 0)
+      halves.capacity = compute_single_capacity(record, kind);
+    return halves.count < halves.capacity;
+  }
+}
+
 template <class Real>
 Real *cached_half(QDL_Record &record, std::int32_t kind, std::int32_t part,
                   std::int32_t mode_index) {
@@ -86,11 +86,11 @@ Real *cache_half(QDL_Record &record, std::int32_t kind, std::int32_t part, std::
     if (!has_room<Real>(record, kind, part))
       return nullptr;
     HalfModes<Real> &halves = half_modes<Real>(record, kind, part);
-    if (halves.by_mode.empty())
+    auto vector = std::make_unique_for_overwrite<Real[]>(length);
+    if (halves.by_mode.size() < record.mode_numbers.size())
       halves.by_mode.resize(record.mode_numbers.size());
-    auto &place = halves.by_mode[static_cast<std::size_t>(mode_index)];
-    place = std::make_unique_for_overwrite<Real[]>(length);
-    held = place.get();
+    held = vector.get();
+    halves.by_mode[static_cast<std::size_t>(mode_index)] = std::move(vector);
     ++halves.count;
     if constexpr (kIsDouble<Real>)
       ++record.cached_halves;
@@ -151,6 +151,8 @@ void clean_single_cache(QDL_Record &record) {
 
 template HalfModes<double> &half_modes(QDL_Record &, std::int32_t, std::int32_t);
 template HalfModes<float> &half_modes(QDL_Record &, std::int32_t, std::int32_t);
+template bool has_room<double>(QDL_Record &, std::int32_t, std::int32_t);
+template bool has_room<float>(QDL_Record &, std::int32_t, std::int32_t);
 template double *cached_half(QDL_Record &, std::int32_t, std::int32_t, std::int32_t);
 template float *cached_half(QDL_Record &, std::int32_t, std::int32_t, std::int32_t);
 template double *cache_half(QDL_Record &, std::int32_t, std::int32_t, std::int32_t, const double *);

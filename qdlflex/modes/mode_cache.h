@@ -18,6 +18,10 @@ template <class Real>
 Real *cached_half(QDL_Record &record, std::int32_t kind, std::int32_t part,
                   std::int32_t mode_index);
 
+/// Whether the cache of a kind and part takes one more vector.
+template <class Real>
+bool has_room(QDL_Record &record, std::int32_t kind, std::int32_t part);
+
 /// Copies the vector into the cache, or over the one already there; null when it is full.
 template <class Real>
 Real *cache_half(QDL_Record &record, std::int32_t kind, std::int32_t part, std::int32_t mode_index,

@@ -82,7 +82,9 @@ std::int64_t mode_bytes(std::int64_t nodes, std::int32_t real_bytes) {
 
 /// Takes the space for `modes` modes of `nodes` nodes and maps it where that can be done.
 bool reserve_layout(Backing &backing, std::int64_t modes, std::int64_t nodes) {
-  const std::int64_t one = mode_bytes(nodes, encoding_of(backing.channel).real_bytes());
+  // Room for one node at least: a number of modes that no disk has room for shows at once.
+  const std::int64_t one =
+      mode_bytes(std::max<std::int64_t>(nodes, 1), encoding_of(backing.channel).real_bytes());
   std::int64_t all = 0;
   if (one < 0 || __builtin_mul_overflow(one, modes, &all))
     return false;
@@ -99,21 +101,23 @@ void set_layout(Backing &backing, std::int64_t modes, std::int64_t nodes) {
   backing.mapping = backing.channel.file->map(modes * one);
 }
 
-/// Moves the modes apart for a larger stride. The last mode goes first, so that none is written
-/// over before it has moved.
+/// Moves the modes apart for a larger stride, each with zeros behind its values. The last mode goes
+/// first, so that none is written over before it has moved; the starts follow one by one, so that
+/// every value stays where it is looked for if a write fails on the way.
 bool spread_modes(Backing &backing, std::int64_t nodes) {
   File &file = *backing.channel.file;
   const std::int32_t real_bytes = encoding_of(backing.channel).real_bytes();
   const std::int64_t old_bytes = mode_bytes(backing.stride, real_bytes);
   const std::int64_t new_bytes = mode_bytes(nodes, real_bytes);
-  std::vector<std::byte> mode(static_cast<std::size_t>(old_bytes));
+  std::vector<std::byte> mode(static_cast<std::size_t>(new_bytes));
   for (auto index = static_cast<std::int64_t>(backing.starts.size()) - 1; index >= 0; --index) {
+    std::int64_t &start = backing.starts[static_cast<std::size_t>(index)];
     const std::int64_t target = index * new_bytes;
-    if (!file.read_at(index * old_bytes, mode.data(), mode.size()) ||
-        !file.write_at(target, mode.data(), mode.size()) ||
-        !file.zero_at(target + old_bytes, new_bytes - old_bytes)) {
+    if (!file.read_at(start, mode.data(), static_cast<std::size_t>(old_bytes)) ||
+        !file.write_at(target, mode.data(), mode.size())) {
       return false;
     }
+    start = target;
   }
   return true;
 }
@@ -124,7 +128,8 @@ bool copy_modes(QDL_Record &record, std::int32_t kind, const Backing &target) {
   const Encoding encoding = encoding_of(target.channel);
   std::vector<double> six(static_cast<std::size_t>(nodes * kComponents));
   std::vector<unsigned char> bytes(six.size() * static_cast<std::size_t>(encoding.real_bytes()));
-  for (std::int32_t mode = 0; mode < mode_count(record); ++mode) {
+  const auto modes = static_cast<std::int32_t>(mode_data(record, kind).backing.starts.size());
+  for (std::int32_t mode = 0; mode < modes; ++mode) {
     if (!read_stored_rows(record, kind, mode, 0, nodes, six.data())) {
       report_unreadable_mode(kind, record.mode_numbers[static_cast<std::size_t>(mode)]);
       return false;
@@ -216,7 +221,11 @@ bool ensure_room_for(QDL_Record &record, std::int32_t kind, std::int32_t positio
       std::max<std::int64_t>(position + std::int64_t{1}, std::int64_t{2} * backing.stride),
       INT32_MAX);
   const auto modes = static_cast<std::int64_t>(backing.starts.size());
-  if (!reserve_layout(backing, modes, nodes) || !spread_modes(backing, nodes)) {
+  const bool reserved = reserve_layout(backing, modes, nodes);
+  if (!reserved || !spread_modes(backing, nodes)) {
+    // Modes that have moved may lie beyond what was mapped.
+    if (reserved)
+      backing.mapping = backing.channel.file->map(backing.channel.file->size());
     report_no_disk_space(kind, backing.channel.file->name());
     return false;
   }

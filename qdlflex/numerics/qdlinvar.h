@@ -11,7 +11,8 @@ namespace qdlflex {
 bool load_invariant(QDL_Record &record, int number);
 
 /// The inertia invariant, obtained on first use: from the record's file, else a rigid one derived
-/// from its other data. A modal one is laid out for the present modes, or empty.
+/// from its other data. A modal one is laid out for the present modes. Empty where there is nothing
+/// to obtain it from, and where its block of the file can't be read.
 const InvariantSlot &obtain_invariant(QDL_Record &record, int number);
 
 }  // namespace qdlflex

@@ -45,6 +45,7 @@ bool block_contains(const std::int32_t *numbers, std::int32_t number) {
   return hits != 0;
 }
 
+/// The slot of an identifier that no node had when the file was read.
 std::int32_t find_foreign(const NodeSet &set, std::int32_t id) {
   for (std::size_t slot = 0; slot < set.node_of_slot.size(); ++slot) {
     if (set.node_of_slot[slot] == kUnknownNode && set.foreign_ids[slot] == id) {
@@ -119,7 +120,8 @@ std::int32_t find_mode_node(QDL_Record &record, std::int32_t kind, std::int32_t 
   if (node == kNoIndex)
     return find_foreign(set, id);
   const auto index = static_cast<std::size_t>(node);
-  return index < set.slot_of_node.size() ? set.slot_of_node[index] : kNoIndex;
+  const bool known = index < set.slot_of_node.size() && set.slot_of_node[index] != kNoIndex;
+  return known ? set.slot_of_node[index] : find_foreign(set, id);
 }
 
 std::int32_t mode_node_id(const QDL_Record &record, std::int32_t kind, std::int32_t position) {

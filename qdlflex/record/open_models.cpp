@@ -11,8 +11,18 @@ bool is_file(const Channel &channel, const FileIdentity &identity) {
 
 }  // namespace
 
-std::vector<std::unique_ptr<QDL_Record>> &open_models() {
-  static std::vector<std::unique_ptr<QDL_Record>> models;
+using Models = std::vector<std::unique_ptr<QDL_Record>>;
+
+/// Ends what is left at the end of the process.
+struct ModelsAtExit {
+  Models &models;
+  ~ModelsAtExit() { models.clear(); }
+};
+
+Models &open_models() {
+  // The list itself is never destroyed, as the host may still call us while it ends.
+  static Models &models = *new Models;
+  static const ModelsAtExit at_exit{models};
   return models;
 }
 

@@ -306,7 +306,8 @@ struct QDL_Record {
   std::string file_name;
   qdlflex::Summary file_summary{};  // as read; what the file really holds
   qdlflex::TableOfContents contents;
-  std::int32_t file_mode_count = 0;  // that the file's blocks are laid out for
+  std::int32_t file_mode_count = 0;     // that the file's blocks are laid out for
+  std::uint32_t file_version_code = 0;  // as kept on reading
 
   std::int32_t planned_nodes = 0;
   std::int32_t planned_modes = 0;

@@ -20,6 +20,8 @@ Result guarded(const char *area, Result failure, Body &&body,
     report_allocation_failure(line, area);
   } catch (const std::length_error &) {
     report_allocation_failure(line, area);
+  } catch (...) {
+    // Nothing else is thrown on purpose; the failure value says enough.
   }
   return failure;
 }
@@ -32,7 +34,7 @@ bool with_memory(Body &&body) noexcept {
     return true;
   } catch (const std::bad_alloc &) {
     return false;
-  } catch (const std::length_error &) {
+  } catch (...) {
     return false;
   }
 }

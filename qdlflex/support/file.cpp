@@ -54,7 +54,9 @@ bool file_fault(FileOperation operation) {
 std::FILE *open_stream(const char *name, const char *mode) {
   if (name == nullptr || mode == nullptr || file_fault(FileOperation::kOpen))
     return nullptr;
-  return std::fopen(name, (std::string(mode) + "e").c_str());
+  const std::string given(mode);
+  const std::size_t options = std::min(given.find(','), given.size());
+  return std::fopen(name, (given.substr(0, options) + 'e' + given.substr(options)).c_str());
 }
 
 FileIdentity identity_of(const std::string &name) {
@@ -66,8 +68,29 @@ void remove_regular_file(const std::string &name) {
   struct stat status {};
   if (file_fault(FileOperation::kRemove))
     return;
-  if (::stat(name.c_str(), &status) == 0 && S_ISREG(status.st_mode))
-    ::unlink(name.c_str());
+  // A link stays, what it leads to goes.
+  const std::unique_ptr<char, decltype(&std::free)> target(::realpath(name.c_str(), nullptr),
+                                                           &std::free);
+  if (target != nullptr && ::stat(target.get(), &status) == 0 && S_ISREG(status.st_mode))
+    ::unlink(target.get());
+}
+
+FileSizeSignalBlock::FileSizeSignalBlock() {
+  sigset_t signal;
+  ::sigemptyset(&signal);
+  ::sigaddset(&signal, SIGXFSZ);
+  ::pthread_sigmask(SIG_BLOCK, &signal, &before_);
+}
+
+FileSizeSignalBlock::~FileSizeSignalBlock() {
+  sigset_t signal;
+  ::sigemptyset(&signal);
+  ::sigaddset(&signal, SIGXFSZ);
+  // One that is pending now came from here, unless the host had it blocked itself.
+  constexpr timespec kNoWait{};
+  if (::sigismember(&before_, SIGXFSZ) == 0)
+    ::sigtimedwait(&signal, nullptr, &kNoWait);
+  ::pthread_sigmask(SIG_SETMASK, &before_, nullptr);
 }
 
 File::File(std::string name) : name_(std::move(name)) {}

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <csignal>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -34,6 +35,19 @@ FileIdentity identity_of(const std::string &name);
 
 /// Removes `name` if it is a regular file; a device or a pipe given as a name stays.
 void remove_regular_file(const std::string &name);
+
+/// While it lives, a write beyond the process's limit of file sizes fails like one on a full disk
+/// instead of ending the process with a signal.
+class FileSizeSignalBlock {
+ public:
+  FileSizeSignalBlock();
+  ~FileSizeSignalBlock();
+  FileSizeSignalBlock(const FileSizeSignalBlock &) = delete;
+  FileSizeSignalBlock &operator=(const FileSizeSignalBlock &) = delete;
+
+ private:
+  sigset_t before_{};
+};
 
 /// An open file. Positions are 64-bit. The stream operations move the file position; the `_at`
 /// operations don't, bypass the stream's buffer and are retried until done, end of file or error.

@@ -2,6 +2,7 @@
 
 #include <qdlflex/qdlflex.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -107,6 +108,21 @@ TEST_F(Lifecycle, TenThousandOpenAndClose) {
   for (int i = 0; i < 10'000; ++i)
     QDL_UnLink(QDL_CreateFromQDL(name.c_str()));
   EXPECT_EQ(open_descriptors(), before);
+}
+
+// The host may end its models after the library's own list has been cleared.
+TEST(Exit, ModelsMayBeEndedAtTheEndOfTheProcess) {
+  EXPECT_EXIT(
+      {
+        std::atexit([] {
+          QDL_Terminate();
+          QDL_Create(1, 1);
+          QDL_Terminate();
+        });
+        QDL_Create(1, 1);
+        std::exit(0);
+      },
+      testing::ExitedWithCode(0), "");
 }
 
 // Messages.

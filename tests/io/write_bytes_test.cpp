@@ -234,12 +234,13 @@ TEST_F(WriteBytes, GlobalMassComesFromTheBestSource) {
     std::set<int> built;
     const SampleModel *expected;
     bool written;
+    bool kept;  // as the record's own
   };
   const std::vector<Case> cases = {
-      {{4, 6, 7, 8, 9, 11, 19, 20, 21, 24}, &from_invariants, true},
-      {{4, 6, 7, 8, 9, 11, 19, 20, 24}, &own, true},
-      {{4, 7, 8, 9, 11}, &from_nodes, true},
-      {{4, 7, 8, 11}, &from_nodes, false},
+      {{4, 6, 7, 8, 9, 11, 19, 20, 21, 24}, &from_invariants, true, true},
+      {{4, 6, 7, 8, 9, 11, 19, 20, 24}, &own, true, true},
+      {{4, 7, 8, 9, 11}, &from_nodes, true, false},
+      {{4, 7, 8, 11}, &from_nodes, false, false},
   };
   for (const Case &c : cases) {
     SCOPED_TRACE(testing::PrintToString(c.built));
@@ -253,8 +254,20 @@ TEST_F(WriteBytes, GlobalMassComesFromTheBestSource) {
     expected.transformation = {{0, {1.0}}};
     QDL_Record *record = build_record(own, c.built);
     expect_written(record, "", build_file(316, blocks, expected));
-    EXPECT_EQ(QDL_Exists(record, 5), c.written ? 1 : 0);
+    EXPECT_EQ(QDL_Exists(record, 5), c.kept ? 1 : 0);
   }
+}
+
+TEST_F(WriteBytes, MassesSetBetweenTwoWritesCount) {
+  QDL_Record *record = build_record(body_with_modes({0}, 1), {4, 7, 8, 9, 11});
+  const std::string first = path("first.qdl");
+  const std::string second = path("second.qdl");
+  ASSERT_EQ(QDL_write_QDL(record, first.c_str()), 1);
+  const double before = QDL_Invar1(record);
+  ASSERT_EQ(QDL_AddNodalMass(record, QDL_NodeID(record, 0), 100.0), 1);
+  ASSERT_EQ(QDL_write_QDL(record, second.c_str()), 1);
+  EXPECT_EQ(QDL_CreateFromQDL(first.c_str())->global_mass.mass, before);
+  EXPECT_EQ(QDL_CreateFromQDL(second.c_str())->global_mass.mass, before + 100.0);
 }
 
 }  // namespace

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 
-#include <csignal>
 #include <filesystem>
 #include <map>
 
@@ -73,21 +72,17 @@ bool is_mode_error(const std::string &text) {
 // Each file that a process writes is at most this long while it lives.
 class FileSizeLimit {
  public:
-  explicit FileSizeLimit(std::size_t bytes) : handler_(std::signal(SIGXFSZ, SIG_IGN)) {
+  explicit FileSizeLimit(std::size_t bytes) {
     getrlimit(RLIMIT_FSIZE, &before_);
     rlimit limit = before_;
     limit.rlim_cur = bytes;
     setrlimit(RLIMIT_FSIZE, &limit);
   }
-  ~FileSizeLimit() {
-    setrlimit(RLIMIT_FSIZE, &before_);
-    std::signal(SIGXFSZ, handler_);
-  }
+  ~FileSizeLimit() { setrlimit(RLIMIT_FSIZE, &before_); }
   FileSizeLimit(const FileSizeLimit &) = delete;
   FileSizeLimit &operator=(const FileSizeLimit &) = delete;
 
  private:
-  void (*handler_)(int);
   rlimit before_{};
 };
 

@@ -268,6 +268,17 @@ TEST_F(OutputName, LongNames) {
   EXPECT_LE(errors[0].size(), 1008U);
 }
 
+TEST_F(OutputName, AFailedWriteThroughALinkRemovesWhatItLeadsTo) {
+  const std::filesystem::path target = directory() / "target.qdl";
+  const std::filesystem::path link = directory() / "link.qdl";
+  write_file(target, {1, 2, 3});
+  std::filesystem::create_symlink(target, link);
+  const ScopedEnvironment options("ZEB_QDLWRITE_OPTIONS", "full_str sparse_str");
+  EXPECT_EQ(QDL_write_QDL(QDL_Create(0, 0), link.c_str()), 0);
+  EXPECT_FALSE(std::filesystem::exists(target));
+  EXPECT_TRUE(std::filesystem::is_symlink(link));
+}
+
 TEST_F(OutputName, AnExistingFileIsReplaced) {
   file("written.qdl", std::vector<std::uint8_t>(100000, 7));
   const SampleModel content = body_with_modes({0, 1}, 1);

@@ -196,4 +196,22 @@ TEST_P(WriteUnits, ModesAreWrittenInCurrentUnits) {
 INSTANTIATE_TEST_SUITE_P(Sources, WriteUnits, testing::Bool(),
                          [](const auto &info) { return info.param ? "FromAFile" : "FromSetters"; });
 
+// A stress node that the file's nodes lack, until it is added: one slot, before and after.
+TEST_F(WriteModes, AForeignStressNodeThatIsAddedKeepsItsPlace) {
+  SampleModel foreign = content_;
+  foreign.stress.node_ids.back() = 999;
+  QDL_Record *record = open(build_file(316, without(blocks_, {31, 32}), foreign));
+  ASSERT_NE(record, nullptr);
+  const std::int32_t place = QDL_ModeNodeIndex(record, QDL_MODE_STRESS, 999);
+  EXPECT_EQ(place, static_cast<std::int32_t>(foreign.stress.node_ids.size()) - 1);
+  ASSERT_EQ(QDL_SetNodeCoordinates(record, 999, 1, 2, 3), 1);
+  EXPECT_EQ(QDL_ModeNodeIndex(record, QDL_MODE_STRESS, 999), place);
+  const double six[6] = {1, 2, 3, 4, 5, 6};
+  ASSERT_EQ(QDL_SetModeVec(record, QDL_ModeNumber(record, 0), 999, QDL_MODE_STRESS, six), 1);
+  EXPECT_EQ(QDL_ModeNodeCount(record, QDL_MODE_STRESS), place + 1);
+  const ScopedEnvironment options("ZEB_QDLWRITE_OPTIONS", "no_ortho");
+  ASSERT_EQ(QDL_write_QDL(record, path("again.qdl").c_str()), 1);
+  EXPECT_NE(QDL_CreateFromQDL(path("again.qdl").c_str()), nullptr);
+}
+
 }  // namespace

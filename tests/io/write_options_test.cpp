@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 #include <optional>
 
 #include "io/write_fixture.h"
@@ -155,12 +157,26 @@ TEST_F(WriteOptions, FrequencyLimits) {
     std::string argument;
     double expected;
   };
-  const std::vector<Case> cases = {{"100", 100.0},  {"100)", 100.0},        {"  2.5e2 )", 250.0},
-                                   {"-1.5)", -1.5}, {"1e-3)", 0.001},       {"1e+3)", 1.0},
-                                   {"1,5)", 1.0},   {"abc)", 0.0},          {")", 0.0},
-                                   {"", 0.0},       {"- 5)", 0.0},          {".5)", 0.5},
-                                   {"1 2)", 1.0},   {"7 Hz)", 7.0},         {"e5)", 0.0},
-                                   {"1e)", 1.0},    {"100lowpass(7", 100.0}};
+  const std::vector<Case> cases = {{"100", 100.0},
+                                   {"100)", 100.0},
+                                   {"  2.5e2 )", 250.0},
+                                   {"-1.5)", -1.5},
+                                   {"1e-3)", 0.001},
+                                   {"1e+3)", 1.0},
+                                   {"1,5)", 1.0},
+                                   {"abc)", 0.0},
+                                   {")", 0.0},
+                                   {"", 0.0},
+                                   {"- 5)", 0.0},
+                                   {".5)", 0.5},
+                                   {"1 2)", 1.0},
+                                   {"7 Hz)", 7.0},
+                                   {"e5)", 0.0},
+                                   {"1e)", 1.0},
+                                   {"100lowpass(7", 100.0},
+                                   {"1e999", HUGE_VAL},
+                                   {"-1e999", -HUGE_VAL},
+                                   {"1e-999", 0.0}};
   for (const Case &c : cases) {
     SCOPED_TRACE(c.argument);
     EXPECT_EQ(qdlflex::parse_write_options("x lowpass(" + c.argument).lowpass, c.expected);

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "record/record.h"
+#include "support/fault.h"
 #include "support/fixture.h"
 
 namespace qdltest {
@@ -271,6 +272,66 @@ TEST_F(ModeAccess, NullHandles) {
   EXPECT_EQ(QDL_CleanSModesInMemory(nullptr), 0);
   EXPECT_EQ(QDL_InitializeModeMemory(nullptr), 0);
   expect_no_messages();
+}
+
+TEST_F(ModeAccess, AnUnknownModeNeverAnswersWithTheLastNodeRead) {
+  QDL_Record *model = reopened(built(), "no_ortho");
+  double three[3];
+  ASSERT_EQ(QDL_ModeByNode(model, 1, 0, 3, three, 0), 1);
+  EXPECT_EQ(QDL_ModeByNode(model, 99, 0, 2, three, 0), 0);
+  EXPECT_EQ(QDL_ModeByNode(model, 99, 0, 3, three, 0), 0);
+}
+
+TEST_F(ModeAccess, ACacheThatRanOutOfMemoryStaysSound) {
+  QDL_Record *model = QDL_Create(kNodes, kModes + 1);
+  const double six[6] = {1, 2, 3, 4, 5, 6};
+  for (int mode = 1; mode <= kModes; ++mode)
+    QDL_SetModeVec(model, mode, 10, 0, six);
+  double half[3];
+  const auto fetch = [&] { return QDL_Mode(model, 1, 0, half, 0); };
+  const auto check = [&](int, bool) {
+    // A further mode needs a longer table than the one that the failed attempt may have left.
+    QDL_AddMode(model, kModes + 1);
+    QDL_SetModeVec(model, kModes + 1, 10, 0, six);
+    double of_new_mode[3] = {};
+    EXPECT_EQ(QDL_Mode(model, kModes + 1, 0, of_new_mode, 1), 1);
+    EXPECT_EQ(of_new_mode[2], 6.0);
+    QDL_CleanModesInMemory(model);
+  };
+  EXPECT_GT(sweep(Door::kMemory, Persistence::kOnce, fetch, check), 0u);
+}
+
+TEST_F(ModeAccess, ValuesSurviveAFailedGrowthOfTheirFile) {
+  constexpr int kMany = 8;
+  for (const Door door : {Door::kMemory, Door::kFile}) {
+    const auto grown = [&] {
+      QDL_Record *model = QDL_Create(1, kMany);
+      QDL_AddNode(model, 1);
+      for (int mode = 1; mode <= kMany; ++mode) {
+        const double six[6] = {1.0 * mode, 2, 3, 4, 5, 6};
+        QDL_SetModeVec(model, mode, 1, 0, six);
+      }
+      return model;
+    };
+    QDL_Record *model = grown();
+    const auto grow = [&] {
+      const double six[6] = {-1, -2, -3, -4, -5, -6};
+      return QDL_SetModeVec(model, 3, 2, 0, six);
+    };
+    const auto check = [&](int, bool) {
+      for (int mode = 1; mode <= kMany; ++mode) {
+        double half[6] = {};
+        ASSERT_EQ(QDL_Mode(model, mode, 0, half, 0), 1);
+        EXPECT_EQ(half[0], mode);
+        EXPECT_EQ(half[2], 3.0);
+      }
+      const double six[6] = {7, 7, 7, 7, 7, 7};
+      EXPECT_EQ(QDL_SetModeVec(model, kMany, 2, 0, six), 1);
+      QDL_UnLink(model);
+      model = grown();
+    };
+    EXPECT_GT(sweep(door, Persistence::kOnce, grow, check), 0u);
+  }
 }
 
 TEST_F(ModeAccess, PositionsBeyondFourGibibytes) {

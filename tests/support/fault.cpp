@@ -101,6 +101,13 @@ void *operator new(std::size_t bytes, std::align_val_t alignment) {
 void *operator new[](std::size_t bytes, std::align_val_t alignment) {
   return allocate_or_throw(bytes, static_cast<std::size_t>(alignment));
 }
+void *operator new(std::size_t bytes, std::align_val_t alignment, const std::nothrow_t &) noexcept {
+  return allocate(bytes, static_cast<std::size_t>(alignment));
+}
+void *operator new[](std::size_t bytes, std::align_val_t alignment,
+                     const std::nothrow_t &) noexcept {
+  return allocate(bytes, static_cast<std::size_t>(alignment));
+}
 void operator delete(void *block) noexcept {
   release(block);
 }
@@ -129,6 +136,12 @@ void operator delete(void *block, std::size_t, std::align_val_t) noexcept {
   release(block);
 }
 void operator delete[](void *block, std::size_t, std::align_val_t) noexcept {
+  release(block);
+}
+void operator delete(void *block, std::align_val_t, const std::nothrow_t &) noexcept {
+  release(block);
+}
+void operator delete[](void *block, std::align_val_t, const std::nothrow_t &) noexcept {
   release(block);
 }
 
