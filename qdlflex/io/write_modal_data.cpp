@@ -39,7 +39,9 @@ struct DampingIndices {
     const std::int32_t mode = index - 6 + rigid_modes;
     if (first_mode == 0)
       return axis || mode < end_mode ? index : kNoIndex;
-    return !axis && exports_mode(mode) ? mode - first_mode : kNoIndex;
+    // The axes mean nothing to a part of the modes, but readers expect their places.
+    const std::int32_t rigid_left = std::max(rigid_modes - first_mode, 0);
+    return !axis && exports_mode(mode) ? 6 + mode - first_mode - rigid_left : kNoIndex;
   }
 };
 

@@ -180,7 +180,7 @@ const std::vector<Damping> kDampings = {
      true,
      "highpass(1)lowpass(60)",
      {1, 2},
-     {{1, 1, 8.5, 13}, {2, 1, 9.5, 0}}},
+     {{7, 7, 8.5, 13}, {8, 7, 9.5, 0}}},
 };
 
 INSTANTIATE_TEST_SUITE_P(Bands, DampingRange, testing::ValuesIn(kDampings),
