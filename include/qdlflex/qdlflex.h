@@ -1371,9 +1371,13 @@ QDL_API int32_t QDL_ReadGeneralizedDamping(QDL_Record *model);
  * text, case-sensitive). By default: version 60, XDR encoding, double precision. `single`: single
  * precision. `no_xdr`: native encoding. `full_str`: version 41, stress and strain at every node;
  * with `single` 51, with `no_xdr` 40, with both 50. `82_comp`, `81_comp`: version 20, 10.
- * `no_ortho`: modes as they are, with generalized stiffness and mass in place of eigenvalues.
- * `sparse_str` (the default) fails together with `full_str`, `82_comp` or `81_comp`, and `single`
- * with the last two. Writing may edit the model; edits stay also when it fails.
+ * `no_ortho`: modes as they are, with generalized stiffness and mass in place of eigenvalues; so
+ * far the only way to write modes whose generalized matrices are stored entries. `lowpass(F)`,
+ * `highpass(F)`: without `no_ortho`, the modes of a range of frequencies only. `MKS`: the model is
+ * converted to KILOGRAM, METER, SECOND, NEWTON. `sparse_str` (the default) fails together with
+ * `full_str`, `82_comp` or `81_comp`, and `single` with the last two. `lbrf2cm`, `sketch`,
+ * `strip_face`, `coarsen(`, `full_invar`, `fast_invar` and `empty` are refused so far. Writing may
+ * edit the model; edits stay also when it fails.
  * @param model handle; null: reported
  * @param path output file; refused when it is the file the model was read from, under any name
  * @return 1; 0 after a message, no file is left behind. @since 0.1, slot 101 */
