@@ -168,7 +168,9 @@ std::array<std::uint64_t, 5> bits(const qdlflex::EigenEntry &entry) {
 
 TEST_F(Eigenvalue, AllAtOnceEqualsOneByOne) {
   std::mt19937 random(4711);  // NOLINT: the same lists in every run
-  const auto below = [&](int limit) { return static_cast<std::int32_t>(random() % limit); };
+  const auto below = [&](int limit) {
+    return static_cast<std::int32_t>(random() % static_cast<std::mt19937::result_type>(limit));
+  };
   const auto list = [&](std::int32_t modes) {
     std::vector<GeneralizedEntry> entries(random() % 9);
     for (GeneralizedEntry &entry : entries) {
