@@ -107,7 +107,7 @@ int64_t FileTell_Win32(FILE *stream) {
 
 double *float2double(double *destination, const float *source, int32_t count) {
   for (int32_t i = count - 1; i >= 0; --i) {
-    float narrow;
+    float narrow = 0.0f;
     std::memcpy(&narrow, source + i, sizeof narrow);
     const double wide = narrow;
     std::memcpy(destination + i, &wide, sizeof wide);
@@ -117,7 +117,7 @@ double *float2double(double *destination, const float *source, int32_t count) {
 
 float *double2float(float *destination, const double *source, int32_t count) {
   for (int32_t i = 0; i < count; ++i) {
-    double wide;
+    double wide = 0.0;
     std::memcpy(&wide, source + i, sizeof wide);
     const auto narrow = static_cast<float>(wide);
     std::memcpy(destination + i, &narrow, sizeof narrow);

@@ -202,9 +202,9 @@ TEST_F(Range, DampingOnPrincipalAxesSkipsRigidModes) {
   };
   QDL_Record *record = build_record(content_, written_blocks(60));
   ASSERT_EQ(QDL_RigidBodyModeCount(record), 2);
-  // From mode 2 on: position 7 is that mode, position 8 the next.
+  // From mode 2 on: position 7 is that mode, position 8 the next, behind the places of the axes.
   expect_written(record, "highpass(1)",
-                 written_with({2, 3}, {0, {{1, 1, 2.5, 0}, {2, 1, 3.5, 0}, {2, 2, 4.5, 0}}}));
+                 written_with({2, 3}, {0, {{7, 7, 2.5, 0}, {8, 7, 3.5, 0}, {8, 8, 4.5, 0}}}));
   // Up to mode 1 no flexible mode is left.
   content_.damping.entries.push_back({2, 6, 5.5, 0});
   record = build_record(content_, written_blocks(60));
