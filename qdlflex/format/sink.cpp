@@ -6,7 +6,8 @@
 namespace qdlflex {
 namespace {
 
-constexpr std::size_t kValuesPerBlock = 1 << 13;
+/// Encoded they are a large piece for the file in either precision.
+constexpr std::size_t kValuesPerBlock = 1 << 15;
 
 }  // namespace
 

@@ -1,7 +1,9 @@
 #include <qdlflex/qdlflex.h>
 
 #include <algorithm>
+#include <memory>
 #include <numeric>
+#include <span>
 
 #include "format/version.h"
 #include "io/block_writer.h"
@@ -15,7 +17,7 @@ namespace {
 
 /// Whether the root of the sum of squares is zero: components whose squares vanish count as zero.
 /// As no square is negative, the first that is not zero decides.
-bool is_zero(const std::vector<double> &values) {
+bool is_zero(std::span<const double> values) {
   return std::ranges::all_of(values, [](double value) { return value * value == 0.0; });
 }
 
@@ -34,14 +36,14 @@ void warn_of_zero_mode(std::int32_t kind, std::int32_t number) {
 }
 
 /// The rows of a mode that are written, zeros where the kind has none.
-void select_rows(const std::vector<double> &six, const std::vector<std::int32_t> &rows,
+void select_rows(const double *six, const std::vector<std::int32_t> &rows,
                  std::vector<double> &selected) {
   auto target = selected.begin();
   for (const std::int32_t row : rows) {
     if (row == kNoIndex) {
       target = std::fill_n(target, kComponents, 0.0);
     } else {
-      target = std::copy_n(six.begin() + std::ptrdiff_t{row} * kComponents, kComponents, target);
+      target = std::copy_n(six + std::ptrdiff_t{row} * kComponents, kComponents, target);
     }
   }
 }
@@ -128,16 +130,18 @@ bool BlockWriter::write_modes(std::int32_t kind, const std::vector<std::int32_t>
     return false;
   }
   const std::int32_t nodes = mode_node_count(record_, kind);
-  std::vector<double> six(static_cast<std::size_t>(nodes) * kComponents);
+  const auto length = static_cast<std::size_t>(nodes) * kComponents;
+  const auto buffer = std::make_unique_for_overwrite<double[]>(length);
   const bool as_it_is = is_everything(rows, nodes);
   std::vector<double> selected(as_it_is ? 0 : rows.size() * kComponents);
   for (std::int32_t mode = plan_.first_mode; mode < plan_.end_mode; ++mode) {
-    if (!fetch_mode(record_, kind, mode, six.data()))
+    const double *six = view_mode(record_, kind, mode, buffer.get());
+    if (six == nullptr)
       return false;
-    keep_statistic(kind, mode, six.data());
+    keep_statistic(kind, mode, six);
     if (!as_it_is)
       select_rows(six, rows, selected);
-    const std::vector<double> &values = as_it_is ? six : selected;
+    const std::span<const double> values = as_it_is ? std::span(six, length) : selected;
     const std::int32_t number = record_.mode_numbers[static_cast<std::size_t>(mode)];
     if (is_zero(values))
       warn_of_zero_mode(kind, number);

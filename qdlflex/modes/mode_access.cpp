@@ -27,7 +27,10 @@ struct HalfRequest {
         mode_number(number),
         kind(mode_kind),
         part(half),
-        mode_index(find_mode(model, number)) {}
+        mode_index(find_mode(model, number)) {
+    // Whatever is asked for may leave something in memory.
+    mode_data(record, kind).may_be_cached = true;
+  }
 
   std::size_t length() const { return static_cast<std::size_t>(mode_node_count(record, kind)) * 3; }
 

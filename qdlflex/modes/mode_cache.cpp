@@ -119,11 +119,15 @@ std::int64_t compute_single_capacity(const QDL_Record &record, std::int32_t kind
 }
 
 void drop_cached_modes(QDL_Record &record, std::int32_t kind) {
+  ModeData &data = record.mode_data[static_cast<std::size_t>(kind)];
+  if (!data.may_be_cached)
+    return;
+  data.may_be_cached = false;
   for (std::int32_t part = 0; part < kModeParts; ++part) {
     drop_halves(record, half_modes<double>(record, kind, part));
     drop_halves(record, half_modes<float>(record, kind, part));
   }
-  forget_node_reads(record.mode_data[static_cast<std::size_t>(kind)]);
+  forget_node_reads(data);
 }
 
 void note_mode_layout_changed(QDL_Record &record) {

@@ -15,7 +15,12 @@ namespace qdlflex {
 namespace {
 
 /// Rows are read in chunks that stay in the processor's cache until they are decoded.
-constexpr std::int64_t kChunkRows = 512;
+constexpr std::int64_t kChunkRows = 2048;
+
+/// Whether reals stand in the file as they do in memory.
+bool is_as_in_memory(const Encoding &encoding) {
+  return encoding.double_precision && !encoding.swapped();
+}
 
 bool holds_mode(const Backing &backing, std::int32_t mode_index) {
   return backing.channel.file != nullptr && mode_index >= 0 &&
@@ -31,8 +36,7 @@ std::int64_t row_position(const Backing &backing, std::int32_t mode_index, std::
 bool read_backed_rows(const Backing &backing, std::int32_t mode_index, std::int64_t first,
                       std::int64_t rows, double *six) {
   const Encoding encoding = encoding_of(backing.channel);
-  const bool as_in_memory = encoding.double_precision && !encoding.swapped();
-  const std::int64_t most_rows = as_in_memory ? rows : kChunkRows;
+  const std::int64_t most_rows = is_as_in_memory(encoding) ? rows : kChunkRows;
   std::int64_t position = row_position(backing, mode_index, first);
   for (std::int64_t done = 0; done < rows; done += most_rows) {
     const auto reals = static_cast<std::size_t>(std::min(rows - done, most_rows) * kComponents);
@@ -47,15 +51,29 @@ bool read_backed_rows(const Backing &backing, std::int32_t mode_index, std::int6
   return true;
 }
 
+/// Two rows at a time make three moves of two numbers each.
+void copy_halves(const double *row, std::int64_t rows, double *values) {
+  for (; rows >= 2; rows -= 2, row += 2 * kComponents, values += 6) {
+    const double second[3] = {row[kComponents], row[kComponents + 1], row[kComponents + 2]};
+    values[0] = row[0];
+    values[1] = row[1];
+    values[2] = row[2];
+    values[3] = second[0];
+    values[4] = second[1];
+    values[5] = second[2];
+  }
+  if (rows == 1)
+    std::copy_n(row, 3, values);
+}
+
 /// Three of the six components of each row, times the factor.
 template <class Real>
 void take_half(const double *row, std::int64_t rows, double factor, Real *values) {
   if constexpr (std::is_same_v<Real, double>) {
-    for (std::int64_t i = 0; factor == 1.0 && i < rows; ++i) {
-      std::memcpy(values + 3 * i, row + kComponents * i, 3 * sizeof(double));
-    }
-    if (factor == 1.0)
+    if (factor == 1.0) {
+      copy_halves(row, rows, values);
       return;
+    }
   }
   for (std::int64_t i = 0; i < rows; ++i, row += kComponents, values += 3) {
     for (int c = 0; c < 3; ++c) {
@@ -85,6 +103,8 @@ Encoding encoding_of(const Channel &channel) {
 double mode_factor(const QDL_Record &record, std::int32_t kind, std::int32_t part) {
   const UnitRatios &now = record.units.cumulative;
   const UnitRatios &base = record.mode_data[static_cast<std::size_t>(kind)].backing.base;
+  if (now.length == base.length && now.force == base.force)
+    return 1.0;
   const double length = now.length / base.length;
   if (kind == kModalStress)
     return now.force / base.force / (length * length);
@@ -149,6 +169,19 @@ bool fetch_mode(QDL_Record &record, std::int32_t kind, std::int32_t mode_index, 
   return false;
 }
 
+const double *view_mode(QDL_Record &record, std::int32_t kind, std::int32_t mode_index,
+                        double *buffer) {
+  const Backing &backing = mode_data(record, kind).backing;
+  const Encoding encoding = encoding_of(backing.channel);
+  const bool as_wanted = is_as_in_memory(encoding) && mode_factor(record, kind, 0) == 1.0 &&
+                         mode_factor(record, kind, 1) == 1.0;
+  const bool complete = backing.stride >= mode_node_count(record, kind);
+  if (backing.mapping != nullptr && as_wanted && complete && holds_mode(backing, mode_index)) {
+    return reinterpret_cast<const double *>(backing.mapping + row_position(backing, mode_index, 0));
+  }
+  return fetch_mode(record, kind, mode_index, buffer) ? buffer : nullptr;
+}
+
 bool store_values(QDL_Record &record, std::int32_t kind, std::int32_t mode_index,
                   std::int32_t position, std::int32_t component, std::span<const double> values) {
   if (!ensure_temporary_backing(record, kind))
@@ -158,19 +191,24 @@ bool store_values(QDL_Record &record, std::int32_t kind, std::int32_t mode_index
   drop_cached_modes(record, kind);
 
   const Backing &backing = mode_data(record, kind).backing;
-  std::array<double, kComponents> stored{};
+  const Encoding encoding = encoding_of(backing.channel);
   const double factors[kModeParts] = {mode_factor(record, kind, 0), mode_factor(record, kind, 1)};
+  const std::int64_t place =
+      row_position(backing, mode_index, position) + component * encoding.real_bytes();
+  const bool as_given = is_as_in_memory(encoding) && factors[0] == 1.0 && factors[1] == 1.0;
+  if (backing.mapping != nullptr && as_given) {
+    std::memcpy(backing.mapping + place, values.data(), values.size_bytes());
+    return true;
+  }
+
+  std::array<double, kComponents> stored{};
   for (std::size_t i = 0; i < values.size(); ++i) {
     const double factor = factors[(static_cast<std::size_t>(component) + i) / 3];
     stored[i] = factor == 1.0 ? values[i] : values[i] / factor;
   }
-  const Encoding encoding = encoding_of(backing.channel);
   std::array<unsigned char, kComponents * sizeof(double)> bytes{};
   encode_reals(bytes.data(), stored.data(), values.size(), encoding);
-
   const std::size_t length = values.size() * static_cast<std::size_t>(encoding.real_bytes());
-  const std::int64_t place =
-      row_position(backing, mode_index, position) + component * encoding.real_bytes();
   if (backing.mapping != nullptr) {
     std::memcpy(backing.mapping + place, bytes.data(), length);
     return true;

@@ -39,6 +39,12 @@ void report_unreadable_mode(std::int32_t kind, std::int32_t mode_number);
 /// Six components of every node; a failure is reported.
 bool fetch_mode(QDL_Record &record, std::int32_t kind, std::int32_t mode_index, double *six);
 
+/// The same for a caller that only looks at the values: where they lie in memory as they are
+/// wanted, their place, else `buffer` after fetching them. Null after a reported failure. Valid
+/// until the mode data is changed.
+const double *view_mode(QDL_Record &record, std::int32_t kind, std::int32_t mode_index,
+                        double *buffer);
+
 /// Stores components of one node, given in current units. The kind's temporary file is made on
 /// first use and laid out anew when the nodes outgrow it. Failures are reported. Cached vectors of
 /// the kind are dropped.

@@ -286,6 +286,7 @@ struct ModeData {
   HalfModeCache<float> singles;
   std::vector<std::int32_t> misses;  // node-wise reads per mode since its half was last cached
   NodeRow last_row;                  // of node-wise reads
+  bool may_be_cached = false;        // false: nothing of the above is held in memory
 };
 
 /// Byte offsets of the 37 blocks in the record's file; those from `unknown_from` on could not be

@@ -41,6 +41,20 @@ bool within_size_limit(std::int64_t bytes) {
   return static_cast<std::uint64_t>(bytes) <= limit.rlim_cur;
 }
 
+bool write_all(int descriptor, const void *data, std::size_t bytes) {
+  const auto *source = static_cast<const std::byte *>(data);
+  while (bytes > 0) {
+    const ssize_t put = ::write(descriptor, source, bytes);
+    if (put < 0 && errno == EINTR)
+      continue;
+    if (put <= 0)
+      return false;
+    source += put;
+    bytes -= static_cast<std::size_t>(put);
+  }
+  return true;
+}
+
 }  // namespace
 
 void set_file_fault(FileFault fault) {
@@ -164,7 +178,13 @@ bool File::read(void *data, std::size_t bytes) {
 bool File::write(const void *data, std::size_t bytes) {
   if (bytes == 0)
     return true;
-  return !file_fault(FileOperation::kWrite) && std::fwrite(data, 1, bytes, stream_) == bytes;
+  if (file_fault(FileOperation::kWrite))
+    return false;
+  // Large pieces go past the stream's buffer, which would only copy them.
+  constexpr std::size_t kLarge = 1 << 17;
+  if (bytes < kLarge)
+    return std::fwrite(data, 1, bytes, stream_) == bytes;
+  return std::fflush(stream_) == 0 && write_all(::fileno(stream_), data, bytes);
 }
 
 bool File::flush() {
