@@ -5,6 +5,7 @@
 #include <qdlflex/qdlflex.h>
 
 #include "build/nodes_and_modes.h"
+#include "record/derived.h"
 #include "support/boundary.h"
 
 namespace qdlflex {
@@ -38,6 +39,7 @@ std::int32_t add_face(QDL_Record &record, std::span<const std::int32_t> node_ids
   ++faces.count;
   faces.present = true;
   raise(record, Block::kElementFaces);
+  forget_free_edges(record);
   return 1;
 }
 

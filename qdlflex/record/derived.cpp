@@ -25,4 +25,8 @@ void forget_statistics(QDL_Record &record, std::int32_t kind, std::int32_t mode_
   forget(static_cast<std::size_t>(kind) + 1);
 }
 
+void forget_free_edges(QDL_Record &record) {
+  record.free_edges.reset();
+}
+
 }  // namespace qdlflex

@@ -124,6 +124,9 @@ struct FaceList {
   bool present = false;  // an empty list differs from none
 };
 
+/// The chains of free edges as node identifiers, as they were when they were found; none until then.
+using FreeEdges = std::optional<std::vector<std::vector<std::int32_t>>>;
+
 /// The mode-shape transformation keeps the dimension it was made with.
 struct Transformation {
   std::int32_t dimension = 0;
@@ -334,6 +337,7 @@ struct QDL_Record {
   qdlflex::GeneralizedMatrix damping;
   bool damping_on_principal_axes = false;
   qdlflex::FaceList faces;
+  qdlflex::FreeEdges free_edges;
   qdlflex::Transformation transformation;
   std::vector<std::int32_t> interface_nodes;  // node indices
   std::vector<bool> is_interface_node;        // by node index; may be shorter than the nodes
