@@ -39,7 +39,7 @@ std::int32_t add_face(QDL_Record &record, std::span<const std::int32_t> node_ids
   ++faces.count;
   faces.present = true;
   raise(record, Block::kElementFaces);
-  forget_free_edges(record);
+  note_faces_changed(record);
   return 1;
 }
 

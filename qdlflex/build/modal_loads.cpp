@@ -7,6 +7,7 @@
 #include <qdlflex/qdlflex.h>
 
 #include "build/nodes_and_modes.h"
+#include "record/derived.h"
 #include "support/boundary.h"
 
 namespace qdlflex {
@@ -99,6 +100,7 @@ bool set_nodal_load(QDL_Record &record, std::int32_t load_case, std::int32_t nod
   }
   const std::int32_t node = find_or_add_node(record, node_id);
   nodal_case(record, load_case).entries.push_back({node, coordinate, value});
+  note_nodal_loads_changed(record);
   raise(record, Block::kModalLoadNodal);
   return true;
 }

@@ -43,6 +43,7 @@ std::int32_t add_node(QDL_Record &record, std::int32_t id) {
   keep_mode_nodes_of_file(record);
   NodeAddition addition(record, id);
   note_added_node(record);
+  note_nodes_moved(record);
   addition.complete();
   note_mode_layout_changed(record);
   return node_count(record) - 1;

@@ -40,6 +40,7 @@ void add_interface_node(QDL_Record &record, std::int32_t node_index) {
     return;
   record.interface_nodes.push_back(node_index);
   record.is_interface_node[node] = true;
+  note_interface_nodes_changed(record);
 }
 
 }  // namespace
@@ -69,6 +70,7 @@ int32_t QDL_LookupOrAddMode(QDL_Record *model, int32_t modeNumber) {
 int32_t QDL_SetNodeCoordinates(QDL_Record *model, int32_t nodeId, double x, double y, double z) {
   return with_model(model, kArea, 0, [&](QDL_Record &record) {
     node_to_set(record, nodeId).xyz = {x, y, z};
+    note_nodes_moved(record);
     drop_derived_invariants(record, {2, 4, 7, 8});
     raise(record, Block::kNodalCoordinates);
     return 1;

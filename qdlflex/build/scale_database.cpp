@@ -7,6 +7,7 @@
 
 #include "modes/mode_cache.h"
 #include "numerics/rigid_body_modes.h"
+#include "record/derived.h"
 #include "record/invariant_layout.h"
 #include "support/boundary.h"
 #include "support/decimal_scaling.h"
@@ -27,6 +28,7 @@ void scale_nodes(QDL_Record &record, const UnitRatios &ratios) {
       inertia(*node.inertia);
   }
   length(record.body_size);
+  note_nodes_moved(record);
 }
 
 void scale_global_mass(GlobalMass &global, const UnitRatios &ratios) {

@@ -1,6 +1,15 @@
 #include "record/derived.h"
 
 namespace qdlflex {
+namespace {
+
+/// Models are filled node by node without a query in between: then there is nothing to forget.
+void forget(NodeSearch &search) {
+  if (search.was_scanned)
+    search = {};
+}
+
+}  // namespace
 
 void drop_derived_invariants(QDL_Record &record, std::initializer_list<int> numbers) {
   for (const int number : numbers) {
@@ -27,6 +36,25 @@ void forget_statistics(QDL_Record &record, std::int32_t kind, std::int32_t mode_
 
 void forget_free_edges(QDL_Record &record) {
   record.free_edges.reset();
+}
+
+void note_nodes_moved(QDL_Record &record) {
+  forget(record.node_search);
+  forget(record.interface_node_search);
+}
+
+void note_faces_changed(QDL_Record &record) {
+  record.geometry_nodes.reset();
+  forget_free_edges(record);
+}
+
+void note_interface_nodes_changed(QDL_Record &record) {
+  record.geometry_nodes.reset();
+  forget(record.interface_node_search);
+}
+
+void note_nodal_loads_changed(QDL_Record &record) {
+  record.geometry_nodes.reset();
 }
 
 }  // namespace qdlflex

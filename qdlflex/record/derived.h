@@ -17,4 +17,16 @@ void forget_statistics(QDL_Record &record, std::int32_t kind, std::int32_t mode_
 /// For whatever changes faces or node identifiers: the chains are found anew on the next query.
 void forget_free_edges(QDL_Record &record);
 
+/// For whatever adds, moves or removes nodes or changes their order.
+void note_nodes_moved(QDL_Record &record);
+
+/// For whatever changes the list of faces.
+void note_faces_changed(QDL_Record &record);
+
+/// For whatever changes the list of interface nodes.
+void note_interface_nodes_changed(QDL_Record &record);
+
+/// For whatever changes the nodes at which modal loads act.
+void note_nodal_loads_changed(QDL_Record &record);
+
 }  // namespace qdlflex

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <span>
 
+#include "record/derived.h"
 #include "support/boundary.h"
 
 namespace qdlflex {
@@ -170,6 +171,10 @@ void QDL_SwapNodesByID(QDL_Record *model, int32_t idA, int32_t idB) {
     std::swap(record.nodes[static_cast<std::size_t>(a)], record.nodes[static_cast<std::size_t>(b)]);
     // The table keeps answering the positions from before: callers rely on it.
     record.node_lookup.stale = true;
+    note_nodes_moved(record);
+    forget_free_edges(record);
+    // Masses have changed places while the mode vectors stayed where they were.
+    drop_derived_invariants(record, {3, 4, 5, 8, 9});
     return 1;
   });
 }

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "record/blocks.h"
+#include "record/node_search.h"
 #include "support/file.h"
 
 namespace qdlflex {
@@ -124,7 +125,8 @@ struct FaceList {
   bool present = false;  // an empty list differs from none
 };
 
-/// The chains of free edges as node identifiers, as they were when they were found; none until then.
+/// The chains of free edges as node identifiers, as they were when they were found; none until
+/// then.
 using FreeEdges = std::optional<std::vector<std::vector<std::int32_t>>>;
 
 /// The mode-shape transformation keeps the dimension it was made with.
@@ -337,10 +339,15 @@ struct QDL_Record {
   qdlflex::GeneralizedMatrix damping;
   bool damping_on_principal_axes = false;
   qdlflex::FaceList faces;
+  bool interior_faces_stripped = false;
   qdlflex::FreeEdges free_edges;
+  /// Ascending indices of the nodes that the geometry uses; none until they were asked for.
+  std::optional<std::vector<std::int32_t>> geometry_nodes;
   qdlflex::Transformation transformation;
   std::vector<std::int32_t> interface_nodes;  // node indices
   std::vector<bool> is_interface_node;        // by node index; may be shorter than the nodes
+  qdlflex::NodeSearch node_search;            // among all nodes
+  qdlflex::NodeSearch interface_node_search;  // among the interface nodes
   std::array<qdlflex::InvariantSlot, 10> invariants;  // by number, 1 to 9
   qdlflex::ModalPreload preload;
   std::vector<qdlflex::ModalLoadCase> modal_loads;
