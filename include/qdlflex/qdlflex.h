@@ -1059,6 +1059,37 @@ QDL_API double *QDL_Convert_Units(double *values, int32_t count, double factor);
 QDL_API int32_t QDL_ScaleDatabase(QDL_Record *model);
 
 /** @} */
+/** @defgroup transformation Transformation of modes
+ *
+ * Every function writes the new mode data of a kind to a temporary file of its own before anything
+ * changes; on failure the modes are as they were. The file's name is fresh, with the prefix "qdl_"
+ * in the directory of temporary files.
+ * @{ */
+
+/** Replaces the modes of a kind by linear combinations of themselves: new mode j is the sum of
+ * `coefficients[i * newModeCount + j]` times old mode i, added in ascending order of i; a
+ * coefficient of exactly 0 adds nothing. Together with the mode shapes (kind 0) every modal inertia
+ * invariant that the model or its file holds is carried over. The modal statistics of the kind are
+ * forgotten. The number of modes, the eigenvalue table, generalized matrices and loads stay as they
+ * are; with fewer new modes than before, the last modes can no longer be fetched. Progress is given
+ * to QDL_TimeMonitor and QDL_TimeMonitorStamp where a companion library or the host has them,
+ * unless the environment variable ZEB_NO_TIME_MONITOR_STAMP is set.
+ * @param model handle; null: reported @param kind #QDL_MODE_SHAPE and so on
+ * @param newModeCount number of new modes @param coefficients a row of `newModeCount` values for
+ *   each mode in the order of the modes; null: nothing done
+ * @return 1, also for a model without modes; 0 for null, another kind, a negative count, and after
+ *   a failure, which is reported. @since 0.1 */
+QDL_API int32_t QDL_TransformModes(QDL_Record *model, int32_t kind, int32_t newModeCount,
+                                   const double *coefficients);
+
+/** Carries the operators of all monitor points over to new modes: every row is multiplied by the
+ * matrix.
+ * @param model handle; null: reported @param coefficients square, row by row, as for
+ *   QDL_TransformModes(); null: nothing done
+ * @return 1, or 0 for null. @since 0.1 */
+QDL_API int32_t QDL_TransformMonitorPoints(QDL_Record *model, const double *coefficients);
+
+/** @} */
 /** @defgroup invariants Inertia invariants
  * Sums over the nodes (mass m, position r, inertia J, mode translations p and rotations q): 1: m.
  * 2: m r. 3: m p_j. 4: m r x p_j + J^T q_j. 5: m p_i x p_j. 6: the generalized mass. 7: inertia

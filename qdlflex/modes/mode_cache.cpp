@@ -99,15 +99,18 @@ Real *cache_half(QDL_Record &record, std::int32_t kind, std::int32_t part, std::
   return held;
 }
 
+std::int64_t mode_memory_limit() {
+  return memory_limit("QDL_MAX_MODE_MEMORY", kDefaultDoubleLimit);
+}
+
 std::int64_t compute_double_capacity(const QDL_Record &record) {
   const std::int64_t nodes =
       std::max({mode_node_count(record, kModeShapes), mode_node_count(record, kModalStress),
                 mode_node_count(record, kModalStrain)});
   if (nodes <= 0)
     return 0;
-  const std::int64_t limit = memory_limit("QDL_MAX_MODE_MEMORY", kDefaultDoubleLimit);
   const std::int64_t every_half = std::int64_t{kModeKinds} * kModeParts * mode_count(record);
-  return std::min(vectors_within(limit, nodes, 8), every_half);
+  return std::min(vectors_within(mode_memory_limit(), nodes, 8), every_half);
 }
 
 std::int64_t compute_single_capacity(const QDL_Record &record, std::int32_t kind) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <utility>
 
 #include "record/record.h"
 
@@ -27,6 +28,9 @@ template <class Real>
 Real *cache_half(QDL_Record &record, std::int32_t kind, std::int32_t part, std::int32_t mode_index,
                  const Real *values);
 
+/// Bytes that modes in double precision may take in memory: QDL_MAX_MODE_MEMORY, else 200 MiB.
+std::int64_t mode_memory_limit();
+
 /// Number of vectors that fit the limits of memory; computed anew.
 std::int64_t compute_double_capacity(const QDL_Record &record);
 std::int64_t compute_single_capacity(const QDL_Record &record, std::int32_t kind);
@@ -40,5 +44,19 @@ void note_mode_layout_changed(QDL_Record &record);
 
 void clean_double_cache(QDL_Record &record);
 void clean_single_cache(QDL_Record &record);
+
+/// Switches keeping modes in memory off while it lives; what is cached stays.
+class ModesNotKept {
+ public:
+  explicit ModesNotKept(QDL_Record &record)
+      : record_(record), before_(std::exchange(record.keep_modes_in_memory, false)) {}
+  ~ModesNotKept() { record_.keep_modes_in_memory = before_; }
+  ModesNotKept(const ModesNotKept &) = delete;
+  ModesNotKept &operator=(const ModesNotKept &) = delete;
+
+ private:
+  QDL_Record &record_;
+  bool before_;
+};
 
 }  // namespace qdlflex

@@ -17,11 +17,6 @@ namespace {
 /// Rows are read in chunks that stay in the processor's cache until they are decoded.
 constexpr std::int64_t kChunkRows = 2048;
 
-/// Whether reals stand in the file as they do in memory.
-bool is_as_in_memory(const Encoding &encoding) {
-  return encoding.double_precision && !encoding.swapped();
-}
-
 bool holds_mode(const Backing &backing, std::int32_t mode_index) {
   return backing.channel.file != nullptr && mode_index >= 0 &&
          static_cast<std::size_t>(mode_index) < backing.starts.size();
@@ -36,7 +31,7 @@ std::int64_t row_position(const Backing &backing, std::int32_t mode_index, std::
 bool read_backed_rows(const Backing &backing, std::int32_t mode_index, std::int64_t first,
                       std::int64_t rows, double *six) {
   const Encoding encoding = encoding_of(backing.channel);
-  const std::int64_t most_rows = is_as_in_memory(encoding) ? rows : kChunkRows;
+  const std::int64_t most_rows = stands_as_in_memory(encoding) ? rows : kChunkRows;
   std::int64_t position = row_position(backing, mode_index, first);
   for (std::int64_t done = 0; done < rows; done += most_rows) {
     const auto reals = static_cast<std::size_t>(std::min(rows - done, most_rows) * kComponents);
@@ -173,7 +168,7 @@ const double *view_mode(QDL_Record &record, std::int32_t kind, std::int32_t mode
                         double *buffer) {
   const Backing &backing = mode_data(record, kind).backing;
   const Encoding encoding = encoding_of(backing.channel);
-  const bool as_wanted = is_as_in_memory(encoding) && mode_factor(record, kind, 0) == 1.0 &&
+  const bool as_wanted = stands_as_in_memory(encoding) && mode_factor(record, kind, 0) == 1.0 &&
                          mode_factor(record, kind, 1) == 1.0;
   const bool complete = backing.stride >= mode_node_count(record, kind);
   if (backing.mapping != nullptr && as_wanted && complete && holds_mode(backing, mode_index)) {
@@ -184,10 +179,10 @@ const double *view_mode(QDL_Record &record, std::int32_t kind, std::int32_t mode
 
 bool store_values(QDL_Record &record, std::int32_t kind, std::int32_t mode_index,
                   std::int32_t position, std::int32_t component, std::span<const double> values) {
-  if (!ensure_temporary_backing(record, kind))
+  if (!ensure_temporary_backing(record, kind) ||
+      !ensure_room_for(record, kind, mode_index, position)) {
     return false;
-  if (!ensure_room_for(record, kind, position))
-    return false;
+  }
   drop_cached_modes(record, kind);
 
   const Backing &backing = mode_data(record, kind).backing;
@@ -195,7 +190,7 @@ bool store_values(QDL_Record &record, std::int32_t kind, std::int32_t mode_index
   const double factors[kModeParts] = {mode_factor(record, kind, 0), mode_factor(record, kind, 1)};
   const std::int64_t place =
       row_position(backing, mode_index, position) + component * encoding.real_bytes();
-  const bool as_given = is_as_in_memory(encoding) && factors[0] == 1.0 && factors[1] == 1.0;
+  const bool as_given = stands_as_in_memory(encoding) && factors[0] == 1.0 && factors[1] == 1.0;
   if (backing.mapping != nullptr && as_given) {
     std::memcpy(backing.mapping + place, values.data(), values.size_bytes());
     return true;

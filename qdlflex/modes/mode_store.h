@@ -18,6 +18,11 @@ inline ModeData &mode_data(QDL_Record &record, std::int32_t kind) {
 
 Encoding encoding_of(const Channel &channel);
 
+/// Whether reals stand in a file as they do in memory.
+inline bool stands_as_in_memory(const Encoding &encoding) {
+  return encoding.double_precision && !encoding.swapped();
+}
+
 /// Factor from the units of a kind's backing to the model's, for one half of the components.
 double mode_factor(const QDL_Record &record, std::int32_t kind, std::int32_t part);
 

@@ -80,7 +80,7 @@ std::int64_t mode_bytes(std::int64_t nodes, std::int32_t real_bytes) {
   return overflow ? -1 : bytes;
 }
 
-/// Takes the space for `modes` modes of `nodes` nodes and maps it where that can be done.
+/// Takes the space for `modes` modes of `nodes` nodes.
 bool reserve_layout(Backing &backing, std::int64_t modes, std::int64_t nodes) {
   // Room for one node at least: a number of modes that no disk has room for shows at once.
   const std::int64_t one =
@@ -119,6 +119,37 @@ bool spread_modes(Backing &backing, std::int64_t nodes) {
     }
     start = target;
   }
+  return true;
+}
+
+/// Gives every mode room for a node at this position, and for as many again as it has.
+bool widen_modes(Backing &backing, std::int32_t position) {
+  const std::int64_t nodes = std::min<std::int64_t>(
+      std::max<std::int64_t>(position + std::int64_t{1}, std::int64_t{2} * backing.stride),
+      INT32_MAX);
+  const auto modes = static_cast<std::int64_t>(backing.starts.size());
+  const bool reserved = reserve_layout(backing, modes, nodes);
+  if (!reserved || !spread_modes(backing, nodes)) {
+    // Modes that have moved may lie beyond what was mapped.
+    if (reserved)
+      backing.mapping = backing.channel.file->map(backing.channel.file->size());
+    return false;
+  }
+  set_layout(backing, modes, nodes);
+  return true;
+}
+
+/// Adds modes of zeros. The file may be longer than its modes and hold what others left there.
+bool append_modes(Backing &backing, std::int64_t modes) {
+  File &file = *backing.channel.file;
+  const std::int64_t one = mode_bytes(backing.stride, encoding_of(backing.channel).real_bytes());
+  const std::int64_t end = static_cast<std::int64_t>(backing.starts.size()) * one;
+  const std::int64_t left_over = file.size() - end;
+  if (!reserve_layout(backing, modes, backing.stride))
+    return false;
+  if (left_over > 0 && !file.zero_at(end, std::min(left_over, modes * one - end)))
+    return false;
+  set_layout(backing, modes, backing.stride);
   return true;
 }
 
@@ -185,11 +216,10 @@ Backing create_temporary_backing(const QDL_Record &record, std::int32_t kind, st
     return {};
   }
   announce(kind, name);
-  if (!reserve_layout(backing, modes, nodes)) {
+  if (!lay_out(backing, modes, nodes)) {
     report_no_disk_space(kind, name);
     return {};
   }
-  set_layout(backing, modes, nodes);
   return backing;
 }
 
@@ -213,24 +243,25 @@ bool ensure_temporary_backing(QDL_Record &record, std::int32_t kind) {
   return true;
 }
 
-bool ensure_room_for(QDL_Record &record, std::int32_t kind, std::int32_t position) {
-  Backing &backing = mode_data(record, kind).backing;
-  if (position < backing.stride)
-    return true;
-  const std::int64_t nodes = std::min<std::int64_t>(
-      std::max<std::int64_t>(position + std::int64_t{1}, std::int64_t{2} * backing.stride),
-      INT32_MAX);
-  const auto modes = static_cast<std::int64_t>(backing.starts.size());
-  const bool reserved = reserve_layout(backing, modes, nodes);
-  if (!reserved || !spread_modes(backing, nodes)) {
-    // Modes that have moved may lie beyond what was mapped.
-    if (reserved)
-      backing.mapping = backing.channel.file->map(backing.channel.file->size());
-    report_no_disk_space(kind, backing.channel.file->name());
+bool lay_out(Backing &backing, std::int64_t modes, std::int64_t nodes) {
+  if (!reserve_layout(backing, modes, nodes))
     return false;
-  }
   set_layout(backing, modes, nodes);
   return true;
+}
+
+bool ensure_room_for(QDL_Record &record, std::int32_t kind, std::int32_t mode_index,
+                     std::int32_t position) {
+  Backing &backing = mode_data(record, kind).backing;
+  const bool has_mode = static_cast<std::size_t>(mode_index) < backing.starts.size();
+  if (has_mode && position < backing.stride)
+    return true;
+  const bool made =
+      (has_mode || append_modes(backing, std::max(record.planned_modes, mode_index + 1))) &&
+      (position < backing.stride || widen_modes(backing, position));
+  if (!made)
+    report_no_disk_space(kind, backing.channel.file->name());
+  return made;
 }
 
 }  // namespace qdlflex

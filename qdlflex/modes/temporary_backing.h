@@ -13,9 +13,14 @@ namespace qdlflex {
 Backing create_temporary_backing(const QDL_Record &record, std::int32_t kind, std::int64_t modes,
                                  std::int64_t nodes);
 
-/// Lays the kind's temporary file out anew when it has no room for a node at this position. False
-/// after a reported failure; the values are then as they were.
-bool ensure_room_for(QDL_Record &record, std::int32_t kind, std::int32_t position);
+/// Gives a new file room for `modes` modes of `nodes` nodes, all zero, and maps it where that can
+/// be done. False when there is no space on the disk.
+bool lay_out(Backing &backing, std::int64_t modes, std::int64_t nodes);
+
+/// Makes room in the kind's temporary file for this mode and for a node at this position, where it
+/// has none. False after a reported failure; the values are then as they were.
+bool ensure_room_for(QDL_Record &record, std::int32_t kind, std::int32_t mode_index,
+                     std::int32_t position);
 
 void report_no_disk_space(std::int32_t kind, const std::string &name);
 

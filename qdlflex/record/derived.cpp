@@ -34,6 +34,12 @@ void forget_statistics(QDL_Record &record, std::int32_t kind, std::int32_t mode_
   forget(static_cast<std::size_t>(kind) + 1);
 }
 
+void forget_statistics(QDL_Record &record, std::int32_t kind) {
+  const auto modes = static_cast<std::int32_t>(record.statistics.modes.size());
+  for (std::int32_t mode = 0; mode < modes; ++mode)
+    forget_statistics(record, kind, mode);
+}
+
 void forget_free_edges(QDL_Record &record) {
   record.free_edges.reset();
 }

@@ -13,6 +13,8 @@ void drop_derived_invariants(QDL_Record &record, std::initializer_list<int> numb
 
 /// Makes the statistics of one mode that depend on a kind of mode data unknown.
 void forget_statistics(QDL_Record &record, std::int32_t kind, std::int32_t mode_index);
+/// The same for all modes.
+void forget_statistics(QDL_Record &record, std::int32_t kind);
 
 /// For whatever changes faces or node identifiers: the chains are found anew on the next query.
 void forget_free_edges(QDL_Record &record);

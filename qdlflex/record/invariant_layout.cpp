@@ -5,6 +5,8 @@
 #include <utility>
 #include <vector>
 
+#include "record/row_layout.h"
+
 namespace qdlflex {
 namespace {
 
@@ -88,6 +90,21 @@ void lay_out_invariant(QDL_Record &record, int number, std::int32_t modes) {
   if (!slot.values.empty())
     copy_common(values, shape, slot.values, invariant_shape(number, slot.modes));
   slot.values = std::move(values);
+  slot.modes = modes;
+}
+
+void cut_invariant(QDL_Record &record, int number, std::int32_t modes) {
+  InvariantSlot &slot = record.invariants[static_cast<std::size_t>(number)];
+  if (slot.modes <= modes || slot.values.empty())
+    return;
+  const auto before = static_cast<std::size_t>(slot.modes);
+  const auto kept = static_cast<std::size_t>(modes);
+  // In number 8 the modes come first, so that nothing but its end is to be cut.
+  if (number == 9)
+    cut_rows(slot.values, 9 * before, 9 * kept);
+  else if (number != 8)
+    cut_rows(slot.values, before, kept);
+  slot.values.resize(invariant_shape(number, modes).size());
   slot.modes = modes;
 }
 

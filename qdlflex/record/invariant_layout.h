@@ -39,6 +39,9 @@ bool is_modal_invariant(int number);
 /// slot becomes all zeros. The origin stays as it is. On failure the slot is unchanged.
 void lay_out_invariant(QDL_Record &record, int number, std::int32_t modes);
 
+/// Cuts a slot laid out for more modes to the first `modes`; no other slot changes.
+void cut_invariant(QDL_Record &record, int number, std::int32_t modes);
+
 /// Factor of an invariant's values under a change of units.
 double invariant_unit_factor(int number, const UnitRatios &ratios);
 

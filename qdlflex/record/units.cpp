@@ -1,6 +1,5 @@
 #include "record/units.h"
 
-#include <dlfcn.h>
 #include <strings.h>
 
 #include <algorithm>
@@ -8,6 +7,7 @@
 #include <cstring>
 
 #include "support/boundary.h"
+#include "support/companion.h"
 
 // Supplied by a companion library or by the host program itself, which is why it is only referred
 // to weakly.
@@ -58,14 +58,6 @@ const QDL_UnitEntry QDL_TimeUnits[8] = {
 namespace qdlflex {
 namespace {
 
-using LabelConverter = int (*)(char *);
-
-LabelConverter companion_converter() {
-  if (QDL_ConvertUnitsLabel != nullptr)
-    return QDL_ConvertUnitsLabel;
-  return reinterpret_cast<LabelConverter>(::dlsym(RTLD_DEFAULT, "QDL_ConvertUnitsLabel"));
-}
-
 bool is_end(const QDL_UnitEntry &entry) {
   return entry.name == nullptr || entry.name[0] == '\0';
 }
@@ -87,7 +79,7 @@ UnitName unit_name(const char *text) {
 }
 
 bool accept_unit(UnitName &name, const QDL_UnitEntry *table) {
-  if (const LabelConverter convert = companion_converter()) {
+  if (auto *convert = companion_function(&QDL_ConvertUnitsLabel, "QDL_ConvertUnitsLabel")) {
     const bool accepted = convert(name.data()) != 0;
     name.back() = '\0';
     return accepted;

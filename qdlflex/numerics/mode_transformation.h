@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <span>
+
+#include "modes/mode_rewrite.h"
+#include "record/record.h"
+
+namespace qdlflex {
+
+// Modes replaced by linear combinations of themselves. Coefficients stand row by row, one row per
+// present mode and one column per new mode. The number of modes itself stays the caller's business.
+
+/// The combined modes of one kind, written and finished but not yet adopted; each old mode is read
+/// once, whatever its size. None after a reported failure.
+std::optional<ModeRewrite> combine_modes(QDL_Record &record, std::int32_t kind,
+                                         std::int32_t new_modes,
+                                         std::span<const double> coefficients);
+
+/// Carries every invariant that the record holds or that its file has over to the combined modes.
+/// False, with everything as it was, when the file's can't be read; likewise when memory is short,
+/// which is thrown.
+bool combine_invariants(QDL_Record &record, std::int32_t new_modes,
+                        std::span<const double> coefficients);
+
+}  // namespace qdlflex
