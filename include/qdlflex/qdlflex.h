@@ -54,7 +54,8 @@
  *   naming a file that an open model uses: ignored.
  * - TMP: directory of temporary files; when unset or empty TMPDIR, else /tmp. Read when a
  *   temporary file is named.
- * - ZEB_QDLWRITE_OPTIONS: options of the writer, read once per QDL_write_QDL().
+ * - ZEB_QDLWRITE_OPTIONS: options of the writer, read once per QDL_write_QDL(), and by
+ *   QDL_GeometryNodes() when it collects the nodes.
  * - QDL_RIGID_BODY_THRESHOLD: frequency, as QDL_Eigenvalue() gives it, up to which a mode counts
  *   as rigid. Read by every QDL_RigidBodyModeCount() of a model with more than six modes.
  */
@@ -395,6 +396,39 @@ QDL_API int32_t *QDL_InterfaceNodes(QDL_Record *model, int32_t *count);
  * @param idB identifier; unknown: nothing happens. @since 0.1 */
 QDL_API void QDL_SwapNodesByID(QDL_Record *model, int32_t idA, int32_t idB);
 
+/** The node nearest to a point; of equally near ones the first. Looks at the interface nodes, in
+ * their order, where only they are wanted and the model has any, else at all nodes. A node whose
+ * distance is not a number counts as infinitely far. Here as in the two functions below, queries
+ * after the first one take time logarithmic in the number of nodes until nodes are added or moved
+ * (Bentley, Comm. ACM 18 (1975) 509).
+ * @param model handle; null: reported @param point 3 coordinates (length)
+ * @param interfaceOnly 0: all nodes
+ * @return node index; -1 for null or when there is no node to look at. @since 0.1, slot 36 */
+QDL_API int32_t QDL_ClosestNode(QDL_Record *model, const double *point, int32_t interfaceOnly);
+
+/** The n nodes nearest to a point, nearest first; of equally near ones the first come first. Looks
+ * at the same nodes as QDL_ClosestNode().
+ * @param model handle; null: reported @param point 3 coordinates (length)
+ * @param n number of nodes wanted @param interfaceOnly 0: all nodes
+ * @param count receives the number found, at most n; 0 on failure
+ * @return new array of node indices; null on failure, also for n < 1 or when there is no node to
+ *   look at. @since 0.1, slot 37 */
+QDL_API int32_t *QDL_ClosestNodes(QDL_Record *model, const double *point, int32_t n,
+                                  int32_t interfaceOnly, int32_t *count);
+
+/** All nodes at most `radius` from a point, nearest first; of equally near ones, unlike in
+ * QDL_ClosestNodes(), the last come first. Looks at the same nodes as QDL_ClosestNode(). When
+ * memory runs out, this is reported and what was found until then is returned.
+ * @param model handle; null: reported @param point 3 coordinates (length)
+ * @param radius distance (length), of which only the square counts @param interfaceOnly 0: all
+ * nodes
+ * @param count receives the number found; 0 on failure
+ * @return new array of node indices; null on failure, also when there are none.
+ * @since 0.1, slot 38 */
+QDL_API int32_t *QDL_ClosestNodesInNeighborhood(QDL_Record *model, const double *point,
+                                                double radius, int32_t interfaceOnly,
+                                                int32_t *count);
+
 /** Diagonal of the axis-parallel box around the first node and all nodes of the face list. The
  * first result other than zero is kept when coordinates change later.
  * @param model handle; null: silent
@@ -430,6 +464,36 @@ QDL_API int32_t QDL_FaceListSize(QDL_Record *model, int32_t *faceCount, int32_t 
  * @param model handle; null: silent @param list receives the list's integers
  * @return 1, also for an empty list; 0 when the model has no face list. @since 0.1, slot 47 */
 QDL_API int32_t QDL_ElementFaces(QDL_Record *model, int32_t *list);
+
+/** Removes the faces inside the body: a face that two elements share is listed twice with opposite
+ * windings, and both go. Of faces listed more than once with one winding one stays. The faces left
+ * begin at their largest node index and are ordered by number of nodes, then by largest node, then
+ * by the nodes from there on towards the larger neighbour of the largest node. Runs once per model;
+ * later calls do nothing, also when faces were added. "Stripping interior faces" goes to the
+ * information handler.
+ * @param model handle; null: reported. Without faces the error is that of memory that ran out and
+ *   a later call may strip. @since 0.1 */
+QDL_API void QDL_StripCommonFaces(QDL_Record *model);
+
+/** Replaces the faces by those of a sketch file: a text file of decimal integers apart by white
+ * space, the number of faces (below 1: none), then per face its node count and as many node
+ * identifiers. What follows is ignored. Node counts are taken as they are (below 1: no identifiers
+ * follow) and repeated nodes stay. The model counts as coarsened afterwards. A file that can't be
+ * opened, a missing number and an identifier that no node has are warned about; the faces then stay
+ * as they were.
+ * @param model handle; null: reported @param path name of the file; null: warned about.
+ * @since 0.1 */
+QDL_API void QDL_SketchGrid(QDL_Record *model, const char *path);
+
+/** The nodes that the geometry uses: nodes of faces, interface nodes with an identifier above 0
+ * and, unless the environment variable ZEB_QDLWRITE_OPTIONS contains "optimize_mforce_nodes", the
+ * nodes at which modal loads act. Collected once; collected again after faces, interface nodes or
+ * such loads have changed.
+ * @param model handle; null: reported
+ * @param count receives the number of nodes; 0 on failure
+ * @return new array of node indices, ascending; null on failure, also when there are none, and with
+ *   a warning for a model without a face list. @since 0.1 */
+QDL_API int32_t *QDL_GeometryNodes(QDL_Record *model, int32_t *count);
 
 /** Tells whether the faces were coarsened or replaced by a sketch.
  * @param model handle; null: silent @return 1 or 0. @since 0.1, slot 49 */

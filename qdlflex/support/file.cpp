@@ -175,6 +175,10 @@ bool File::read(void *data, std::size_t bytes) {
   return !file_fault(FileOperation::kRead) && std::fread(data, 1, bytes, stream_) == bytes;
 }
 
+std::size_t File::read_some(void *data, std::size_t bytes) {
+  return file_fault(FileOperation::kRead) ? 0 : std::fread(data, 1, bytes, stream_);
+}
+
 bool File::write(const void *data, std::size_t bytes) {
   if (bytes == 0)
     return true;

@@ -78,6 +78,8 @@ class File {
   /// -1 when it cannot be told.
   std::int64_t size() const;
   bool read(void *data, std::size_t bytes);
+  /// As many bytes as there are, at most so many; 0 at the end of the file and on failure.
+  std::size_t read_some(void *data, std::size_t bytes);
   bool write(const void *data, std::size_t bytes);
   bool flush();
   /// Flushes and closes; false if anything written may not have arrived.

@@ -53,6 +53,14 @@ void ask_nodes(QDL_Record *record) {
   std::vector<std::int32_t> faces(size_of(length));
   QDL_ElementFaces(record, faces.data());
   QDL_BodySize(record);
+  if (length > 0)
+    QDL_FreeMemory(QDL_GeometryNodes(record, &count));
+  for (const std::int32_t interface_only : {0, 1, 0, 1}) {
+    QDL_ClosestNode(record, tensor.data(), interface_only);
+    QDL_FreeMemory(QDL_ClosestNodes(record, tensor.data(), 3, interface_only, &count));
+    QDL_FreeMemory(
+        QDL_ClosestNodesInNeighborhood(record, tensor.data(), 1.0, interface_only, &count));
+  }
 }
 
 void ask_modes(QDL_Record *record) {
