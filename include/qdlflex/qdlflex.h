@@ -1224,10 +1224,76 @@ QDL_API double QDL_Invar1(QDL_Record *model);
  * @return new array of 3 values (mass length), or null. @since 0.1, slot 115 */
 QDL_API double *QDL_Invar2(QDL_Record *model);
 
+/** Invariant 3: for each mode its first moment.
+ * @param model handle; null: reported
+ * @return new array of 3 x M values (mass length), component c of mode index j at c * M + j; null
+ * without modes. @since 0.1, slot 116 */
+QDL_API double *QDL_Invar3(QDL_Record *model);
+
+/** Invariant 4: for each mode its angular moment about the origin.
+ * @param model handle; null: reported
+ * @return new array of 3 x M values (mass length^2), component c of mode index j at c * M + j; null
+ * without modes. @since 0.1, slot 117 */
+QDL_API double *QDL_Invar4(QDL_Record *model);
+
+/** Invariant 5 of one mode with every mode. Derived together with invariant 9: getting either one
+ * from the nodes replaces the other, whatever it was, and takes one walk through all modes.
+ * @param model handle; null: reported @param mode_index index k of the first mode
+ * @return new array of 3 x M values (mass length^2), component c of the pair (k, j) at c * M + j;
+ * null without modes and for an index outside them. @since 0.1, slot 118 */
+QDL_API double *QDL_Invar5(QDL_Record *model, int32_t mode_index);
+
+/** Invariant 6, the full generalized mass as QDL_GenMassFull() gives it.
+ * @param model handle; null: reported
+ * @return new array of M x M values (mass length^2); null without modes. @since 0.1, slot 119 */
+QDL_API double *QDL_Invar6(QDL_Record *model);
+
 /** Invariant 7, the inertia tensor about the origin.
  * @param model handle; null: reported
  * @return new array of 3 x 3 values (mass length^2), or null. @since 0.1, slot 120 */
 QDL_API double *QDL_Invar7(QDL_Record *model);
+
+/** Invariant 8 of one mode.
+ * @param model handle; null: reported @param mode_index index of the mode
+ * @return new array of 3 x 3 values (mass length^2); null without modes, for an index outside them
+ * and, reported, without nodes to sum over. @since 0.1, slot 121 */
+QDL_API double *QDL_Invar8(QDL_Record *model, int32_t mode_index);
+
+/** Invariant 9 of a pair of modes; that of the pair in reverse order is its transpose. See
+ * QDL_Invar5().
+ * @param model handle; null: reported @param index_i,index_k indices of the two modes
+ * @return new array of 3 x 3 values (mass length^2); null without modes and for an index outside
+ * them. @since 0.1, slot 122 */
+QDL_API double *QDL_Invar9(QDL_Record *model, int32_t index_i, int32_t index_k);
+
+/** Obtains invariants 1, 2, 3, 4, 7 and 8, which the getters then answer at once; the information
+ * "Computing fast set of invariants" is given. Without nodal masses, and with some of them neither
+ * supplied nor in the file, the error "There is insufficient mass data to compute a partial set of
+ * mass invariants.\nSome or all mass invariants will be set to zero." comes before it. A mode that
+ * can't be read is reported and counts as zero.
+ * @param model handle; null: reported. @since 0.1 */
+QDL_API void QDL_FastComputeInvars(QDL_Record *model);
+
+/** The same for all invariants, with "Computing *all* invariants" and "There is insufficient mass
+ * data to compute a full set of mass invariants.\nSome or all mass invariants will be set to zero."
+ * Takes time in proportion to nodes times the square of the modes.
+ * @param model handle; null: reported. @since 0.1 */
+QDL_API void QDL_FullComputeInvars(QDL_Record *model);
+
+/** The same for invariants 1, 2, 3 and 7, with "Computing *rigid* invariants"; the error is that of
+ * the full set, and modes are not asked for.
+ * @param model handle; null: reported. @since 0.1 */
+QDL_API void QDL_RigidComputeInvars(QDL_Record *model);
+
+/** acc += s ~a ~b, where ~a b = a x b.
+ * @param acc 3 x 3 values @param s factor @param a,b vectors of 3 values; a null array: nothing is
+ * done. @since 0.1 */
+QDL_API void incr_scalar_tilde_tilde(double acc[9], double s, const double a[3], const double b[3]);
+
+/** acc += s (a x b).
+ * @param acc 3 values @param s factor @param a,b vectors of 3 values; a null array: nothing is
+ * done. @since 0.1 */
+QDL_API void incr_scalar_tilde_vec(double acc[3], double s, const double a[3], const double b[3]);
 
 /** @} */
 /** @defgroup generalized Generalized matrices, statistics, rigid-body modes

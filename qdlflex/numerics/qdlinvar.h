@@ -10,9 +10,9 @@ namespace qdlflex {
 /// units. Whether the slot now holds values that were supplied, by a setter or the file.
 bool load_invariant(QDL_Record &record, int number);
 
-/// The inertia invariant, obtained on first use: from the record's file, else a rigid one derived
-/// from its other data. A modal one is laid out for the present modes. Empty where there is nothing
-/// to obtain it from, and where its block of the file can't be read.
+/// The inertia invariant, obtained on first use: from the record's file, else derived from its
+/// other data. A modal one is laid out for the present modes. Empty for a modal one without modes,
+/// and where its block of the file can't be read.
 const InvariantSlot &obtain_invariant(QDL_Record &record, int number);
 
 }  // namespace qdlflex

@@ -81,6 +81,12 @@ bool is_modal_invariant(int number) {
   return number != 1 && number != 2 && number != 7;
 }
 
+bool is_known(const QDL_Record &record, int number) {
+  const Block block = invariant_block(number);
+  return record.invariants[static_cast<std::size_t>(number)].origin != Origin::kEmpty ||
+         (in_file(record, block) && present(record, block));
+}
+
 void lay_out_invariant(QDL_Record &record, int number, std::int32_t modes) {
   InvariantSlot &slot = record.invariants[static_cast<std::size_t>(number)];
   const InvariantShape shape = invariant_shape(number, modes);

@@ -35,6 +35,9 @@ Block invariant_block(int number);
 /// Whether the invariant depends on the number of modes.
 bool is_modal_invariant(int number);
 
+/// Whether the invariant has been obtained or the record's file supplies it.
+bool is_known(const QDL_Record &record, int number);
+
 /// Lays a slot out for `modes` modes: values of modes that it had stay, new ones are zero. An empty
 /// slot becomes all zeros. The origin stays as it is. On failure the slot is unchanged.
 void lay_out_invariant(QDL_Record &record, int number, std::int32_t modes);
