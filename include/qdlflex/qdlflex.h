@@ -58,6 +58,8 @@
  *   QDL_GeometryNodes() when it collects the nodes.
  * - QDL_RIGID_BODY_THRESHOLD: frequency, as QDL_Eigenvalue() gives it, up to which a mode counts
  *   as rigid. Read by every QDL_RigidBodyModeCount() of a model with more than six modes.
+ * - ZEB_MFORCE_NO_FEA_MASS: when set, whatever to, QDL_RigidBodyForcesOnPrincipalAxes() does
+ *   without nodal masses.
  */
 #ifndef QDLFLEX_QDLFLEX_H
 #define QDLFLEX_QDLFLEX_H
@@ -1410,6 +1412,55 @@ QDL_API int32_t QDL_GetMaxVonMisesStrain(QDL_Record *model, int32_t mode_number,
  * six or fewer: the modes before the last jump in frequency.
  * @param model handle; null: silent @return 0 to 6. @since 0.1, slot 123 */
 QDL_API int32_t QDL_RigidBodyModeCount(QDL_Record *model);
+
+/** Tells how much of the six rigid motions of the body (translations along x, y and z, rotations
+ * about them through the origin) the translations of the first modes carry: the projection
+ * (motion . mode) / (mode . mode), weighted with the nodal masses. What is not above 1e-10 is 0.
+ * @param model handle; null: reported @param table six rows, one per motion, of `n` values each
+ * @param n modes to project; below 1: nothing to do, success
+ * @return 1; 0 without nodes (reported as missing memory) or for a mode that can't be read
+ *   (reported). @since 0.1 */
+QDL_API int32_t QDL_RigidModes2KORVO(QDL_Record *model, double **table, int32_t n);
+
+/** Moves the generalized damping onto the axes of rigid-body motion: the first r modes, which are
+ * rigid (QDL_RigidBodyModeCount()), are replaced by the six axes. Entries then have the indices 0
+ * to 5 for the axes and 6 + f for mode index r + f; those not above 1e-10 are left out. Nothing
+ * happens without damping or when it was done before.
+ * @param model handle; null: reported
+ * @return 1; 0 with the damping as it was when a mode can't be read (reported). @since 0.1,
+ *   slot 125 */
+QDL_API int32_t QDL_DampingOnPrincipalAxes(QDL_Record *model);
+
+/** Generalized damping of the axes of rigid-body motion and of selected modes, after
+ * QDL_DampingOnPrincipalAxes(). Selected rigid modes are warned about. With coupled modes, whose
+ * generalized stiffness or mass has entries off the diagonal, a warning says that the damping
+ * counts as that of modes behind six rigid ones.
+ * @param model handle; null: silent @param matrix n + 6 rows of n + 6 values each
+ * @param n selected modes, may be 0
+ * @param mode_numbers n mode numbers, ascending; entries of other modes are dropped
+ * @return 1; 0 and zeros without damping or when it can't be moved; 0 for null. @since 0.1,
+ *   slot 76 */
+QDL_API int32_t QDL_GenDampPrincipalAndSelected(QDL_Record *model, double **matrix, int32_t n,
+                                                const int32_t *mode_numbers);
+
+/** Replaces the rigid-body part of the modal preload and of every modal load, each once, by the
+ * force and the moment about the origin that it stands for: they take the first six entries, also
+ * when fewer modes are rigid, which is warned about. Values not above 1e-10 become 0. A preload
+ * with a rigid-body part is warned about. The masses are those of the nodes; without nodal masses,
+ * or with ZEB_MFORCE_NO_FEA_MASS set, the motion of each rigid mode is fitted to its nodes and the
+ * momentum is that of the body with its total mass, centre and inertia.
+ * A failure is reported; the vectors then stay unprocessed.
+ * @param model handle; null: reported. @since 0.1, slot 124 */
+QDL_API void QDL_RigidBodyForcesOnPrincipalAxes(QDL_Record *model);
+
+/** Adds the generalized masses that couple the modes numbered 1 to p with those numbered p + 1 to
+ * p + q, at both places, from the nodal masses and inertias. A mode that can't be read (reported)
+ * gets zeros.
+ * @param model handle; null: reported @param normal_modes p
+ * @param additional_modes q; p + q other than M: reported
+ * @return 1; 0 for another number of modes. @since 0.1, slot 112 */
+QDL_API int32_t QDL_AnsysAddGenMass(QDL_Record *model, int32_t normal_modes,
+                                    int32_t additional_modes);
 
 /** @} */
 /** @defgroup dense Eigen solver and dense algebra

@@ -60,18 +60,6 @@ std::vector<std::int32_t> positions_of_modes(const QDL_Record &record,
   return positions;
 }
 
-/// Whether the rows are there to be filled; they are zero then.
-bool clear_rows(double **matrix, std::int32_t n) {
-  if (matrix == nullptr || n <= 0)
-    return false;
-  const std::span<double *> rows(matrix, static_cast<std::size_t>(n));
-  if (std::ranges::find(rows, nullptr) != rows.end())
-    return false;
-  for (double *row : rows)
-    std::fill_n(row, n, 0.0);
-  return true;
-}
-
 bool fill_selected(const QDL_Record &record, Generalized which, double **matrix, std::int32_t n,
                    const std::int32_t *mode_numbers) {
   if (!clear_rows(matrix, n) || mode_numbers == nullptr)
@@ -160,6 +148,17 @@ bool fill_full(const QDL_Record &record, Generalized which, std::int32_t n, doub
     }
     return !entries.empty();
   });
+}
+
+bool clear_rows(double **matrix, std::int32_t n) {
+  if (matrix == nullptr || n <= 0)
+    return false;
+  const std::span<double *> rows(matrix, static_cast<std::size_t>(n));
+  if (std::ranges::find(rows, nullptr) != rows.end())
+    return false;
+  for (double *row : rows)
+    std::fill_n(row, n, 0.0);
+  return true;
 }
 
 std::int32_t position_in_selection(std::span<const std::int32_t> selection,

@@ -27,6 +27,10 @@ auto with_generalized_entries(const QDL_Record &record, Generalized which, Body 
 /// one place the last stays. False, with all zeros, where there is no entry at all.
 bool fill_full(const QDL_Record &record, Generalized which, std::int32_t n, double *matrix);
 
+/// Zeros in a caller's n x n matrix, given as an array of rows. False where a row is missing or n
+/// is not positive.
+bool clear_rows(double **matrix, std::int32_t n);
+
 /// Position of a mode number in an ascending list, or kNoIndex.
 std::int32_t position_in_selection(std::span<const std::int32_t> selection,
                                    std::int32_t mode_number);

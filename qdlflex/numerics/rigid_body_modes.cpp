@@ -16,7 +16,6 @@ namespace qdlflex {
 namespace {
 
 constexpr const char *kArea = "qdltools";
-constexpr std::size_t kRigidBodyAxes = 6;
 
 using Frequencies = std::vector<std::optional<double>>;
 

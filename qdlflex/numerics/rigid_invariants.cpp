@@ -24,17 +24,6 @@ void add(Matrix3 &sum, const Matrix3 &term) {
     sum[i] += term[i];
 }
 
-/// m ((r . r) I - r r^T)
-Matrix3 point_inertia(double mass, const Vector3 &r) {
-  const double square = r[0] * r[0] + r[1] * r[1] + r[2] * r[2];
-  Matrix3 inertia;
-  for (std::size_t row = 0; row < 3; ++row) {
-    for (std::size_t column = 0; column < 3; ++column)
-      inertia[3 * row + column] = mass * ((row == column ? square : 0.0) - r[row] * r[column]);
-  }
-  return inertia;
-}
-
 Matrix3 inertia_about_origin(const QDL_Record &record) {
   Matrix3 inertia{};
   for (const Node &node : record.nodes) {
@@ -79,6 +68,16 @@ std::vector<double> from_global_mass(const QDL_Record &record, int number) {
 }
 
 }  // namespace
+
+Matrix3 point_inertia(double mass, const Vector3 &r) {
+  const double square = r[0] * r[0] + r[1] * r[1] + r[2] * r[2];
+  Matrix3 inertia;
+  for (std::size_t row = 0; row < 3; ++row) {
+    for (std::size_t column = 0; column < 3; ++column)
+      inertia[3 * row + column] = mass * ((row == column ? square : 0.0) - r[row] * r[column]);
+  }
+  return inertia;
+}
 
 Matrix3 negate_products(Matrix3 inertia) {
   for (std::size_t i = 0; i < inertia.size(); ++i) {

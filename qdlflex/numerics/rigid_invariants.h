@@ -6,6 +6,9 @@
 
 namespace qdlflex {
 
+/// Inertia tensor of a mass at a place, about the origin: m ((r . r) I - r r^T).
+Matrix3 point_inertia(double mass, const Vector3 &r);
+
 /// Turns the products of inertia of a tensor, its off-diagonal entries, into their negatives: from
 /// the signs of an invariant to those of the global mass properties and back.
 Matrix3 negate_products(Matrix3 inertia);
