@@ -61,6 +61,31 @@ void compare(benchmark::State &state, const Comparison &comparison, Ours ours, P
   state.counters["ratio"] = peer_best / ours_best;
 }
 
+// The same for a peer that runs in another process and measures itself. `prepare` runs before each
+// of our runs, unmeasured.
+template <class Prepare, class Ours>
+void compare_with_process(benchmark::State &state, const Comparison &comparison, Prepare prepare,
+                          Ours ours, double peer_seconds) {
+  constexpr int kMinRounds = 5;
+  constexpr double kEnough = 1.0;
+
+  describe(state, comparison);
+  double best = std::numeric_limits<double>::infinity();
+  for (auto _ : state) {
+    double spent = 0.0;
+    for (int round = 0; round < kMinRounds || spent < kEnough; ++round) {
+      prepare();
+      const double time = seconds(ours);
+      best = std::min(best, time);
+      spent += time;
+    }
+    state.SetIterationTime(best);
+  }
+  state.counters["ours_s"] = best;
+  state.counters["peer_s"] = peer_seconds;
+  state.counters["ratio"] = peer_seconds / best;
+}
+
 // Ends the program when `holds` is false: a row must not measure something that does not work.
 inline void require(bool holds, const char *what) {
   if (!holds) {
