@@ -203,29 +203,11 @@ bool transform_modes(QDL_Record &record, std::int32_t kind, std::int32_t new_mod
   std::optional<ModeRewrite> combined = combine_modes(record, kind, new_modes, coefficients);
   if (!combined)
     return false;
-  if (kind == kModeShapes && !combine_invariants(record, new_modes, coefficients)) {
-    report_unextractable();
+  if (kind == kModeShapes && !combine_invariants(record, new_modes, coefficients))
     return false;
-  }
   combined->adopt(record);
   forget_statistics(record, kind);
   return true;
-}
-
-void transform_monitor_points(QDL_Record &record, const Coefficients &coefficients) {
-  using Operators = decltype(MonitorPoint::operators);
-  std::vector<Operators> combined(record.monitor_points.size());
-  for (std::size_t i = 0; i < combined.size(); ++i) {
-    const MonitorPoint &point = record.monitor_points[i];
-    const auto columns = static_cast<std::size_t>(point.columns);
-    std::ranges::transform(point.operators, combined[i].begin(), [&](const auto &rows) {
-      return combine_columns(rows, columns, coefficients);
-    });
-  }
-  for (std::size_t i = 0; i < combined.size(); ++i) {
-    record.monitor_points[i].operators = std::move(combined[i]);
-    record.monitor_points[i].columns = mode_count(record);
-  }
 }
 
 }  // namespace
@@ -257,6 +239,7 @@ bool combine_invariants(QDL_Record &record, std::int32_t new_modes,
       lay_out_invariant(record, kModal[i], mode_count(record));
       combined[i] = combine_invariant(kModal[i], slot.values, matrix);
     } else if (is_still_in_file(record, invariant_block(kModal[i]))) {
+      report_unextractable();
       return false;
     }
   }
@@ -268,6 +251,29 @@ bool combine_invariants(QDL_Record &record, std::int32_t new_modes,
     slot.modes = new_modes;
   }
   return true;
+}
+
+MonitorOperators combine_operators(const QDL_Record &record, std::int32_t new_modes,
+                                   std::span<const double> coefficients) {
+  const Coefficients matrix{record.mode_numbers.size(), static_cast<std::size_t>(new_modes),
+                            coefficients};
+  MonitorOperators combined(record.monitor_points.size());
+  for (std::size_t i = 0; i < combined.size(); ++i) {
+    const MonitorPoint &point = record.monitor_points[i];
+    const auto columns = static_cast<std::size_t>(point.columns);
+    std::ranges::transform(point.operators, combined[i].begin(), [&](const auto &rows) {
+      return combine_columns(rows, columns, matrix);
+    });
+  }
+  return combined;
+}
+
+void adopt_operators(QDL_Record &record, MonitorOperators &operators,
+                     std::int32_t new_modes) noexcept {
+  for (std::size_t i = 0; i < operators.size(); ++i) {
+    record.monitor_points[i].operators.swap(operators[i]);
+    record.monitor_points[i].columns = new_modes;
+  }
 }
 
 }  // namespace qdlflex
@@ -293,7 +299,9 @@ int32_t QDL_TransformMonitorPoints(QDL_Record *model, const double *coefficients
     if (coefficients == nullptr)
       return 1;
     const std::size_t modes = record.mode_numbers.size();
-    transform_monitor_points(record, {modes, modes, {coefficients, modes * modes}});
+    const std::int32_t new_modes = mode_count(record);
+    MonitorOperators combined = combine_operators(record, new_modes, {coefficients, modes * modes});
+    adopt_operators(record, combined, new_modes);
     return 1;
   });
 }

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <vector>
 
 #include "modes/mode_rewrite.h"
 #include "record/record.h"
@@ -19,9 +20,18 @@ std::optional<ModeRewrite> combine_modes(QDL_Record &record, std::int32_t kind,
                                          std::span<const double> coefficients);
 
 /// Carries every invariant that the record holds or that its file has over to the combined modes.
-/// False, with everything as it was, when the file's can't be read; likewise when memory is short,
-/// which is thrown.
+/// False, with everything as it was, after a reported failure to read the file's; likewise when
+/// memory is short, which is thrown.
 bool combine_invariants(QDL_Record &record, std::int32_t new_modes,
                         std::span<const double> coefficients);
+
+/// By monitor point.
+using MonitorOperators = std::vector<decltype(MonitorPoint::operators)>;
+
+/// The operators of all monitor points for the combined modes.
+MonitorOperators combine_operators(const QDL_Record &record, std::int32_t new_modes,
+                                   std::span<const double> coefficients);
+void adopt_operators(QDL_Record &record, MonitorOperators &operators,
+                     std::int32_t new_modes) noexcept;
 
 }  // namespace qdlflex
