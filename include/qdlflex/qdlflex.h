@@ -1532,6 +1532,51 @@ QDL_API int32_t QDL_LUPSolve(double **factors, int32_t n, const int32_t *permuta
 QDL_API int32_t QDL_LUPInvert(double **factors, int32_t n, const int32_t *permutation);
 
 /** @} */
+/** @defgroup orthonormal Orthonormal modes
+ * New modes in place of the present ones: orthogonal with respect to generalized mass and
+ * stiffness, of unit generalized mass, in ascending order of eigenvalue. New mode k is the sum over
+ * the present modes a of t[a][k] times mode a, where t is the matrix of QDL_Transformation().
+ * @{ */
+
+/** Makes the modes orthonormal.
+ *
+ * With generalized stiffness or mass entries the eigenproblem of these matrices is solved. Modes,
+ * stress and strain modes, monitor points, loads, preload and invariants are carried over to the
+ * new modes (forces already on the principal axes of the body stay), modes are numbered from 1, the
+ * eigenvalue table is made anew and the entries are discarded; generalized damping is not
+ * transformed. Modes of infinite eigenvalue (singular mass) are dropped; an eigenvalue that is not
+ * real loses its imaginary part. Both are warned about, and all eigenvalues reported.
+ *
+ * Without such entries the modes stay what they are, and the transformation becomes the identity if
+ * there is none; where QDL_SetShouldMassNormalizeModes() asks for it, modes of another generalized
+ * mass than 1 are scaled.
+ * @param model handle; null: reported
+ * @return 1; 0 for null, without modes, for entries that are not finite, and when modes can't be
+ *   read or written or memory runs out. The model is unchanged then. @since 0.1 */
+QDL_API int32_t QDL_OrthoNormalize(QDL_Record *model);
+
+/** Makes the eigenvalue table anew from diagonal generalized stiffness and mass, as
+ * build_eigenvalue_table() does. A table without any such entries is kept.
+ * @param model handle; null: reported @return 1; 0 for null or without memory. @since 0.1, slot 131
+ */
+QDL_API int32_t QDL_RebuildEigenvalues(QDL_Record *model);
+
+/** Makes the eigenvalue table from diagonal generalized stiffness and mass, numbers the modes from
+ * 1 and discards the entries; nothing where there is a table. A generalized mass of at most 1e-15
+ * is warned about and gets the eigenvalue 1.2345e20; an entry off the diagonal is an error for
+ * every mode behind it, whose mass is then taken to be 0. Unless mass normalization is requested
+ * the stored masses become 1.
+ * @param model handle; null: reported @return 1; 0 for null or without memory. @since 0.1 */
+QDL_API int32_t build_eigenvalue_table(QDL_Record *model);
+
+/** Scales the entries of the eigenvalue table to a generalized mass of 1, but for masses that are
+ * not positive and finite. Modes are left alone.
+ * @param model handle; null: reported
+ * @param scales receives a new array of M values that the modes are to be divided by
+ * @return 1; 0 and a null array for null or without memory. @since 0.1 */
+QDL_API int32_t mass_normalize_modes(QDL_Record *model, double **scales);
+
+/** @} */
 /** @defgroup files Files
  * Blocks are addressed by their index, 0 to 36: one less than their number in the format.
  * @{ */

@@ -64,16 +64,29 @@ std::int32_t count_before_last_jump(std::span<const std::optional<double>> frequ
   return static_cast<std::int32_t>(count);
 }
 
+std::int32_t count_rigid(const Frequencies &frequencies) {
+  return frequencies.size() > kRigidBodyAxes ? count_below_threshold(frequencies)
+                                             : count_before_last_jump(frequencies);
+}
+
 }  // namespace
 
 std::int32_t rigid_body_mode_count(const QDL_Record &record) {
-  const Frequencies frequencies = frequencies_of(record);
-  return frequencies.size() > kRigidBodyAxes ? count_below_threshold(frequencies)
-                                             : count_before_last_jump(frequencies);
+  return count_rigid(frequencies_of(record));
+}
+
+std::int32_t rigid_body_mode_count(const std::vector<EigenEntry> &table) {
+  Frequencies frequencies;
+  frequencies.reserve(table.size());
+  for (const EigenEntry &entry : table)
+    frequencies.emplace_back(entry.frequency);
+  return count_rigid(frequencies);
 }
 
 }  // namespace qdlflex
 
 int32_t QDL_RigidBodyModeCount(QDL_Record *model) {
-  return qdlflex::with_model_or(model, qdlflex::kArea, 0, qdlflex::rigid_body_mode_count);
+  return qdlflex::with_model_or(model, qdlflex::kArea, 0, [](const QDL_Record &record) {
+    return qdlflex::rigid_body_mode_count(record);
+  });
 }

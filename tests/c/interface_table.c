@@ -134,6 +134,7 @@ static const struct {
     {128, "QDL_UCF"},
     {129, "QDL_ModalLoadProcessed"},
     {130, "QDL_InterfaceNodes"},
+    {131, "QDL_RebuildEigenvalues"},
     {133, "QDL_SetVersion"},
     {134, "QDL_SetModalLoadProcessed"},
     {135, "QDL_ModalPreloadProcessed"},
