@@ -39,10 +39,13 @@ std::optional<std::vector<double>> read_values(QDL_Record &record, int number) {
   if (other_modes)
     QDL_Error("nm!=ModeCount at line %d in file %s", __LINE__, kArea);
 
-  std::vector<double> values(invariant_shape(number, mode_count(record)).size());
+  const std::size_t wanted = invariant_shape(number, mode_count(record)).size();
   const std::int64_t left = (file.size() - file.tell()) / source.encoding().real_bytes();
   const auto held = static_cast<std::size_t>(std::max<std::int64_t>(left, 0));
-  const std::size_t count = other_modes ? std::min(values.size(), held) : values.size();
+  if (!other_modes && held < wanted)
+    return std::nullopt;
+  std::vector<double> values(wanted);
+  const std::size_t count = std::min(wanted, held);
   if (!source.reals(values.data(), count))
     return std::nullopt;
   return values;
