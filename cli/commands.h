@@ -11,5 +11,6 @@ using Job = std::function<void()>;
 /// Each adds a subcommand that, when chosen, puts its work into `job`.
 void add_import_command(CLI::App &app, Job &job);
 void add_info_command(CLI::App &app, Job &job);
+void add_invariants_command(CLI::App &app, Job &job);
 
 }  // namespace qdlflex::cli

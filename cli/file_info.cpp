@@ -1,9 +1,7 @@
 #include "file_info.h"
 
 #include <array>
-#include <cerrno>
 #include <cstdio>
-#include <cstring>
 #include <filesystem>
 #include <nlohmann/json.hpp>
 #include <system_error>
@@ -58,20 +56,6 @@ constexpr std::array<const char *, QDL_BLOCK_COUNT> kBlockNames = {
 constexpr int32_t kHeaderIndex = 1;
 constexpr int64_t kNativeHeaderSize = 544;  // one byte per character; XDR takes four
 
-Record open(const std::string &path) {
-  // The library is silent about a file that it cannot open.
-  FILE *const file = File_Open(path.c_str(), "rb");
-  if (file == nullptr) {
-    throw Failure(path + ": " + std::strerror(errno));
-  }
-  std::fclose(file);
-  Record record(QDL_CreateFromQDL(path.c_str()));
-  if (!record) {
-    throw Failure(path + " is not a QDL file that can be read");
-  }
-  return record;
-}
-
 /// Blocks follow one another without gaps, so their sizes give their places. The library measures
 /// the last possible block as 0: it takes what is left of the file.
 std::vector<BlockInfo> list_blocks(QDL_Record *record, int64_t file_size) {
@@ -121,12 +105,6 @@ void read_header(QDL_Record *record, FileInfo &info) {
       info.comments.emplace_back(comment.data());
     }
   }
-}
-
-Units read_units(QDL_Record *record) {
-  std::array<std::array<char, 17>, 4> names{};
-  QDL_Units(record, names[0].data(), names[1].data(), names[2].data(), names[3].data());
-  return {names[0].data(), names[1].data(), names[2].data(), names[3].data()};
 }
 
 void read_counts(QDL_Record *record, FileInfo &info) {
@@ -189,7 +167,7 @@ nlohmann::ordered_json mode_json(const ModeInfo &mode) {
 }  // namespace
 
 FileInfo read_file_info(const std::string &path) {
-  const Record record = open(path);
+  const Record record = open_record(path);
   FileInfo info;
   info.path = path;
   info.size = static_cast<int64_t>(std::filesystem::file_size(path));

@@ -18,6 +18,7 @@ int run(int argc, char **argv) {
   Job job;
   add_import_command(app, job);
   add_info_command(app, job);
+  add_invariants_command(app, job);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError &error) {

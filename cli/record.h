@@ -3,6 +3,7 @@
 #include <qdlflex/qdlflex.h>
 
 #include <memory>
+#include <string>
 
 namespace qdlflex::cli {
 
@@ -12,5 +13,11 @@ struct ReleaseRecord {
 
 /// A record that ends with its owner.
 using Record = std::unique_ptr<QDL_Record, ReleaseRecord>;
+
+/// Throws a Failure if the file cannot be opened as a QDL file.
+Record open_record(const std::string &path);
+
+/// Throws a Failure if the output is the input, under whatever name.
+void check_output_is_not(const std::string &input, const std::string &output);
 
 }  // namespace qdlflex::cli

@@ -2,6 +2,7 @@
 
 #include <qdlflex/qdlflex.h>
 
+#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -56,6 +57,13 @@ constexpr std::array<Abbreviation, 7> kTime = {{{"s", "SECOND"},
                                                 {"h", "HOUR"},
                                                 {"min", "MINUTE"}}};
 
+template <size_t n>
+std::string_view find_abbreviation(std::string_view name,
+                                   const std::array<Abbreviation, n> &abbreviations) {
+  const auto *const found = std::ranges::find(abbreviations, name, &Abbreviation::second);
+  return found == abbreviations.end() ? std::string_view() : found->first;
+}
+
 /// The library's name of a unit of one quantity; empty if it is none.
 template <size_t n>
 std::string find_unit(std::string_view text, const std::array<Abbreviation, n> &abbreviations,
@@ -100,6 +108,23 @@ Units parse_units(std::string_view text) {
                   "\": one unit each of mass, length, time and force is needed, such as mm-N-t-s");
   }
   return units;
+}
+
+Units read_units(QDL_Record *record) {
+  std::array<std::array<char, 17>, 4> names{};
+  QDL_Units(record, names[0].data(), names[1].data(), names[2].data(), names[3].data());
+  return {names[0].data(), names[1].data(), names[2].data(), names[3].data()};
+}
+
+std::string abbreviation_of(const std::string &name) {
+  for (const std::string_view found :
+       {find_abbreviation(name, kMass), find_abbreviation(name, kLength),
+        find_abbreviation(name, kTime), find_abbreviation(name, kForce)}) {
+    if (!found.empty()) {
+      return std::string(found);
+    }
+  }
+  return name;
 }
 
 }  // namespace qdlflex::cli

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <qdlflex/qdlflex.h>
+
 #include <string>
 #include <string_view>
 
@@ -17,5 +19,11 @@ struct Units {
 /// "inch-pound_force-slinch-second". Abbreviations are taken letter by letter (mg is not Mg), the
 /// library's own names in any case. Throws a Failure that says what is wrong.
 Units parse_units(std::string_view text);
+
+/// The units of a model by the names of the library.
+Units read_units(QDL_Record *record);
+
+/// The abbreviation of a unit, such as "mm" for "MILLIMETER"; the name itself if it has none.
+std::string abbreviation_of(const std::string &name);
 
 }  // namespace qdlflex::cli
