@@ -1155,6 +1155,23 @@ QDL_API int32_t QDL_TransformModes(QDL_Record *model, int32_t kind, int32_t newM
  * @return 1, or 0 for null. @since 0.1 */
 QDL_API int32_t QDL_TransformMonitorPoints(QDL_Record *model, const double *coefficients);
 
+/** Multiplies every mode of a kind by a factor; with the stress or strain modes the pre-stress or
+ * pre-strain too, with the mode shapes the modal inertia invariants that the model or its file
+ * holds. The modal statistics of the kind are forgotten. Without modes of the kind there is a
+ * warning, and only the pre-stress or pre-strain is scaled.
+ * @param model handle; null: reported @param kind #QDL_MODE_SHAPE and so on @param factor factor
+ * @return 1; 0 for null, another kind and after a failure, which is reported.
+ *   @since 0.1, slot 132 */
+QDL_API int32_t QDL_ScaleModes(QDL_Record *model, int32_t kind, double factor);
+
+/** Moves the local body reference frame to the centre of the nodal masses, which is subtracted from
+ * all node coordinates. Of the global mass data only x of the centre becomes 0. With exactly six
+ * rigid-body modes the moments (entries 3 to 5) of the modal preload and of each modal load case
+ * are taken about the new origin. Mode shapes stay as they are. Nothing happens where the nodal
+ * masses sum up to 0.
+ * @param model handle; null: reported @return 1, or 0 for null. @since 0.1 */
+QDL_API int32_t QDL_ShiftLBRFtoCM(QDL_Record *model);
+
 /** @} */
 /** @defgroup invariants Inertia invariants
  * Sums over the nodes (mass m, position r, inertia J, mode translations p and rotations q): 1: m.

@@ -139,6 +139,7 @@ const Slot kSlots[] = {
     {129, entry(&QDL_ModalLoadProcessed)},
     {130, entry(&QDL_InterfaceNodes)},
     {131, entry(&QDL_RebuildEigenvalues)},
+    {132, entry(&QDL_ScaleModes)},
     {133, entry(&QDL_SetVersion)},
     {134, entry(&QDL_SetModalLoadProcessed)},
     {135, entry(&QDL_ModalPreloadProcessed)},

@@ -22,9 +22,9 @@ class LinearCombination {
   /// So many new vectors are computed at once.
   static constexpr std::size_t kGroup = 4;
 
-  /// Eight numbers for the processor's vector registers. The vectors alone would not make the
-  /// struct as aligned as the wider registers want it.
-  struct alignas(32) Strip {
+  /// Eight numbers for the processor's vector registers: a line of its cache. The vectors alone would
+  /// not make the struct as aligned as the wider registers want it.
+  struct alignas(64) Strip {
     using Four [[gnu::vector_size(32)]] = double;
     Four low, high;
   };

@@ -24,6 +24,7 @@ namespace qdlflex {
 namespace {
 
 constexpr const char *kArea = "qdlwrite";
+constexpr std::array<int, 5> kModalInvariants = {3, 4, 5, 8, 9};
 
 void report_unextractable() {
   QDL_Error("Failed to extract mode information for QDL.\n");
@@ -226,25 +227,34 @@ std::optional<ModeRewrite> combine_modes(QDL_Record &record, std::int32_t kind,
   return combined && rewrite->finish() ? std::move(rewrite) : std::nullopt;
 }
 
+bool load_modal_invariants(QDL_Record &record) {
+  const bool complete = std::ranges::all_of(kModalInvariants, [&](int number) {
+    const bool loaded = load_invariant(record, number);
+    const InvariantSlot &slot = record.invariants[static_cast<std::size_t>(number)];
+    return loaded || slot.origin != Origin::kEmpty ||
+           !is_still_in_file(record, invariant_block(number));
+  });
+  if (!complete)
+    report_unextractable();
+  return complete;
+}
+
 bool combine_invariants(QDL_Record &record, std::int32_t new_modes,
                         std::span<const double> coefficients) {
-  constexpr std::array<int, 5> kModal = {3, 4, 5, 8, 9};
+  if (!load_modal_invariants(record))
+    return false;
   const Coefficients matrix{record.mode_numbers.size(), static_cast<std::size_t>(new_modes),
                             coefficients};
-  std::array<std::vector<double>, kModal.size()> combined;
-  for (std::size_t i = 0; i < kModal.size(); ++i) {
-    const InvariantSlot &slot = record.invariants[static_cast<std::size_t>(kModal[i])];
-    load_invariant(record, kModal[i]);
-    if (slot.origin != Origin::kEmpty) {
-      lay_out_invariant(record, kModal[i], mode_count(record));
-      combined[i] = combine_invariant(kModal[i], slot.values, matrix);
-    } else if (is_still_in_file(record, invariant_block(kModal[i]))) {
-      report_unextractable();
-      return false;
-    }
+  std::array<std::vector<double>, kModalInvariants.size()> combined;
+  for (std::size_t i = 0; i < kModalInvariants.size(); ++i) {
+    const InvariantSlot &slot = record.invariants[static_cast<std::size_t>(kModalInvariants[i])];
+    if (slot.origin == Origin::kEmpty)
+      continue;
+    lay_out_invariant(record, kModalInvariants[i], mode_count(record));
+    combined[i] = combine_invariant(kModalInvariants[i], slot.values, matrix);
   }
-  for (std::size_t i = 0; i < kModal.size(); ++i) {
-    InvariantSlot &slot = record.invariants[static_cast<std::size_t>(kModal[i])];
+  for (std::size_t i = 0; i < kModalInvariants.size(); ++i) {
+    InvariantSlot &slot = record.invariants[static_cast<std::size_t>(kModalInvariants[i])];
     if (slot.origin == Origin::kEmpty)
       continue;
     slot.values = std::move(combined[i]);

@@ -19,9 +19,13 @@ std::optional<ModeRewrite> combine_modes(QDL_Record &record, std::int32_t kind,
                                          std::int32_t new_modes,
                                          std::span<const double> coefficients);
 
+/// Loads the modal invariants that only the record's file has so far. False after a reported
+/// failure.
+bool load_modal_invariants(QDL_Record &record);
+
 /// Carries every invariant that the record holds or that its file has over to the combined modes.
-/// False, with everything as it was, after a reported failure to read the file's; likewise when
-/// memory is short, which is thrown.
+/// False after a reported failure, with everything as it was; so it is when memory is short, which
+/// is thrown.
 bool combine_invariants(QDL_Record &record, std::int32_t new_modes,
                         std::span<const double> coefficients);
 

@@ -57,17 +57,8 @@ class ModeVectors : public qdltest::ReadFixture {
         .at(static_cast<std::size_t>(QDL_ModeNodeIndex(model, kind, node)));
   }
 
-  std::vector<std::filesystem::path> temporary_files() const {
-    std::vector<std::filesystem::path> files;
-    for (const auto &entry : std::filesystem::directory_iterator(directory())) {
-      if (entry.path().filename().string().starts_with("qdl_"))
-        files.push_back(entry.path());
-    }
-    return files;
-  }
-
   void remove_temporary_files() const {
-    for (const std::filesystem::path &file : temporary_files())
+    for (const std::string &file : temporary_files())
       std::filesystem::remove(file);
   }
 };
@@ -343,7 +334,7 @@ TEST_F(ModeVectors, FailCleanlyWhenFileOperationsFail) {
       // Where nothing works any more, removing a file doesn't either.
       if (persistence == qdltest::Persistence::kEverAfter)
         remove_temporary_files();
-      EXPECT_EQ(temporary_files(), std::vector<std::filesystem::path>{});
+      EXPECT_EQ(temporary_files(), std::vector<std::string>{});
       clear_messages();
     };
     EXPECT_GT(qdltest::sweep(qdltest::Door::kFile, persistence, build, check), 3u);

@@ -135,6 +135,7 @@ static const struct {
     {129, "QDL_ModalLoadProcessed"},
     {130, "QDL_InterfaceNodes"},
     {131, "QDL_RebuildEigenvalues"},
+    {132, "QDL_ScaleModes"},
     {133, "QDL_SetVersion"},
     {134, "QDL_SetModalLoadProcessed"},
     {135, "QDL_ModalPreloadProcessed"},

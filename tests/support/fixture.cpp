@@ -105,9 +105,7 @@ void MessageFixture::SetUp() {
 void MessageFixture::TearDown() {
   QDL_Terminate();
   EXPECT_EQ(open_descriptors(), descriptors_before_) << "a descriptor is left open";
-  for (const fs::directory_entry &entry : fs::directory_iterator(directory_))
-    EXPECT_FALSE(entry.path().filename().string().starts_with("qdl_"))
-        << "the temporary file " << entry.path() << " is left behind";
+  EXPECT_EQ(temporary_files(), std::vector<std::string>{}) << "left behind";
   current = nullptr;
   environment_.clear();
 }
@@ -116,6 +114,15 @@ std::string MessageFixture::file(const std::string &name,
                                  const std::vector<std::uint8_t> &bytes) const {
   write_file(directory_ / name, bytes);
   return path(name);
+}
+
+std::vector<std::string> MessageFixture::temporary_files() const {
+  std::vector<std::string> names;
+  for (const fs::directory_entry &entry : fs::directory_iterator(directory_)) {
+    if (entry.path().filename().string().starts_with("qdl_"))
+      names.push_back(entry.path().string());
+  }
+  return names;
 }
 
 void MessageFixture::clear_messages() {

@@ -50,6 +50,9 @@ class MessageFixture : public testing::Test {
   std::string path(const std::string &name) const { return (directory_ / name).string(); }
   std::string file(const std::string &name, const std::vector<std::uint8_t> &bytes) const;
 
+  // The library's temporary files that are there now.
+  std::vector<std::string> temporary_files() const;
+
   void clear_messages();
   void expect_no_messages() const;
   // This error once, and neither another error nor a warning.

@@ -1,0 +1,98 @@
+#include <algorithm>
+#include <optional>
+#include <vector>
+
+#include <qdlflex/qdlflex.h>
+
+#include "modes/mode_cache.h"
+#include "modes/mode_rewrite.h"
+#include "modes/mode_store.h"
+#include "numerics/mode_transformation.h"
+#include "record/derived.h"
+#include "record/lookups.h"
+#include "support/boundary.h"
+
+namespace qdlflex {
+namespace {
+
+constexpr const char *kArea = "qdlwrite";
+
+void scale(std::vector<double> &values, double factor) {
+  for (double &value : values)
+    value *= factor;
+}
+
+bool write_scaled(QDL_Record &record, std::int32_t kind, std::int32_t modes, double factor,
+                  ModeRewrite &rewrite) {
+  constexpr std::int64_t kPieceRows = 1 << 15;
+  const std::int64_t nodes = mode_node_count(record, kind);
+  std::vector<double> piece;
+  for (std::int32_t mode = 0; mode < modes; ++mode) {
+    for (std::int64_t first = 0; first < nodes; first += kPieceRows) {
+      const std::int64_t rows = std::min(kPieceRows, nodes - first);
+      piece.resize(static_cast<std::size_t>(rows * kComponents));
+      if (!read_rows(record, kind, mode, first, rows, piece.data())) {
+        report_unreadable_mode(kind, record.mode_numbers[static_cast<std::size_t>(mode)]);
+        return false;
+      }
+      scale(piece, factor);
+      if (!rewrite.write_rows(mode, first, rows, piece.data()))
+        return false;
+    }
+  }
+  return rewrite.finish();
+}
+
+/// Those of pairs of modes have the factor twice.
+void scale_invariants(QDL_Record &record, double factor) {
+  for (const int number : {3, 4, 8})
+    scale(record.invariants[static_cast<std::size_t>(number)].values, factor);
+  for (const int number : {5, 9})
+    scale(record.invariants[static_cast<std::size_t>(number)].values, factor * factor);
+}
+
+/// Pre-stress goes with the stress modes, pre-strain with the strain modes.
+void scale_pre_vectors(QDL_Record &record, std::int32_t kind, double factor) {
+  if (kind == kModeShapes)
+    return;
+  for (Vector6 &vector : kind == kModalStress ? record.pre_stress : record.pre_strain) {
+    for (double &component : vector)
+      component *= factor;
+  }
+}
+
+bool scale_modes(QDL_Record &record, std::int32_t kind, double factor) {
+  const ModesNotKept not_kept(record);
+  const auto stored = static_cast<std::int32_t>(mode_data(record, kind).backing.starts.size());
+  const std::int32_t modes = std::min(mode_count(record), stored);
+  std::optional<ModeRewrite> scaled = ModeRewrite::begin(
+      record, kind, modes, mode_node_count(record, kind), ModeRewrite::Measure::kCurrentUnits, "");
+  if (!scaled)
+    return false;
+  if (modes == 0) {
+    QDL_Warning("No Mode Shape Data found in this QDL file. \n");
+  } else {
+    if (!write_scaled(record, kind, modes, factor, *scaled))
+      return false;
+    if (kind == kModeShapes) {
+      if (!load_modal_invariants(record))
+        return false;
+      scale_invariants(record, factor);
+    }
+    scaled->adopt(record);
+    forget_statistics(record, kind);
+  }
+  scale_pre_vectors(record, kind, factor);
+  return true;
+}
+
+}  // namespace
+}  // namespace qdlflex
+
+using namespace qdlflex;
+
+int32_t QDL_ScaleModes(QDL_Record *model, int32_t kind, double factor) {
+  return with_model(model, kArea, 0, [&](QDL_Record &record) {
+    return is_mode_kind(kind) && scale_modes(record, kind, factor) ? 1 : 0;
+  });
+}
