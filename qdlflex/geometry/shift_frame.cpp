@@ -50,6 +50,7 @@ void shift_frame(QDL_Record &record) {
       node.xyz[i] -= c[i];
   }
   note_nodes_moved(record);
+  drop_derived_invariants(record, {2, 4, 7, 8});
   QDL_Info("Shifting LBRF to CM at (%.3e,%.3e,%.3e)\n", c[0], c[1], c[2]);
   // The other two have always been left alone.
   record.global_mass.centre[0] = 0.0;

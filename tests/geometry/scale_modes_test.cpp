@@ -164,8 +164,13 @@ TEST_F(ShiftFrame, TakesTheCentreOffEveryNodeAndOneComponentOffTheGlobalCentre) 
   const double centre[] = {1, 2, 3};
   const double inertia[9] = {1, 0, 0, 0, 1, 0, 0, 0, 1};
   QDL_SetGlobalMass(model, 4.0, centre, inertia);
+  // Derived before the shift, and anew after it.
+  QDL_FreeMemory(QDL_Invar2(model));
   clear_messages();
   EXPECT_EQ(QDL_ShiftLBRFtoCM(model), 1);
+  double *const moment = QDL_Invar2(model);
+  EXPECT_EQ(Values(moment, moment + 3), Values(3));
+  QDL_FreeMemory(moment);
   EXPECT_EQ(place(model, 0), (std::array{-3.0, 3.0, 0.0}));
   EXPECT_EQ(place(model, 1), (std::array{1.0, -1.0, 0.0}));
   EXPECT_EQ(model->global_mass.centre, (qdlflex::Vector3{0, 2, 3}));
