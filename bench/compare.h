@@ -41,13 +41,16 @@ void compare(benchmark::State &state, const Comparison &comparison, Ours ours, P
   constexpr int kMinRounds = 5;
   constexpr int kMaxRounds = 1000;
   constexpr double kEnough = 2.0;
+  constexpr double kTooMuch = 30.0;
 
   describe(state, comparison);
   double ours_best = std::numeric_limits<double>::infinity();
   double peer_best = std::numeric_limits<double>::infinity();
   for (auto _ : state) {
     double spent = 0.0;
-    for (int round = 0; round < kMinRounds || (spent < kEnough && round < kMaxRounds); ++round) {
+    for (int round = 0;
+         (round < kMinRounds && spent < kTooMuch) || (spent < kEnough && round < kMaxRounds);
+         ++round) {
       const double ours_time = seconds(ours);
       const double peer_time = seconds(peer);
       ours_best = std::min(ours_best, ours_time);

@@ -12,5 +12,6 @@ using Job = std::function<void()>;
 void add_import_command(CLI::App &app, Job &job);
 void add_info_command(CLI::App &app, Job &job);
 void add_invariants_command(CLI::App &app, Job &job);
+void add_orthonormalize_command(CLI::App &app, Job &job);
 
 }  // namespace qdlflex::cli

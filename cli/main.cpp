@@ -19,6 +19,7 @@ int run(int argc, char **argv) {
   add_import_command(app, job);
   add_info_command(app, job);
   add_invariants_command(app, job);
+  add_orthonormalize_command(app, job);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError &error) {

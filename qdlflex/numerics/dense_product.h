@@ -16,6 +16,7 @@ struct ColumnsOf {
   ColumnsOf range(std::size_t first, std::size_t count) const {
     return {column(first), rows, count};
   }
+  // NOLINTNEXTLINE(google-explicit-constructor): as implicit as a pointer to const
   operator ColumnsOf<const Value>() const { return {data, rows, columns}; }
 };
 

@@ -97,7 +97,7 @@ void adopt_forces(QDL_Record &record, Forces &forces) noexcept {
 /// On the principal axes the first six indices are those of the body, which has no scale.
 void scale_damping(QDL_Record &record, const std::vector<double> &scales,
                    std::size_t rigid_modes) noexcept {
-  constexpr std::int32_t kBodyAxes = 6;
+  constexpr auto kBodyAxes = static_cast<std::int32_t>(kRigidBodyAxes);
   const auto scale = [&](std::int32_t index) {
     if (record.damping_on_principal_axes)
       index =
