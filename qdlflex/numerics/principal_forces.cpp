@@ -136,8 +136,8 @@ Matrix6 geometric_matrix(const QDL_Record &record, const std::vector<bool> &rota
     std::ranges::transform(inertia, point_inertia(1.0, r), inertia.begin(), std::plus());
   }
   const auto rotating = static_cast<double>(std::ranges::count(rotates, true));
-  for (const std::size_t diagonal : {0, 4, 8})
-    inertia[diagonal] += rotating;
+  for (std::size_t i = 0; i < 3; ++i)
+    inertia[4 * i] += rotating;
   return rigid_body_matrix(static_cast<double>(nodes), sum, inertia);
 }
 
