@@ -501,6 +501,43 @@ QDL_API int32_t *QDL_GeometryNodes(QDL_Record *model, int32_t *count);
  * @param model handle; null: silent @return 1 or 0. @since 0.1, slot 49 */
 QDL_API int32_t QDL_IsCoarsened(QDL_Record *model);
 
+/** Coarsens the faces: nodes in nearly flat patches are removed and the faces around each of them
+ * merged into one polygon; then, if asked for, nearly co-linear corners are dropped. Interface
+ * nodes stay. The faces' new order and their first nodes follow from the order of the nodes.
+ * @param model handle; null: reported
+ * @param arguments `resolution,angle,switch,node,node,...` with any single character between the
+ *   numbers; null: nothing is done. The resolution is the reach of a removed node's faces as a
+ *   fraction of the model's diagonal, above 0 to 0.5, else a warning and 0.02. The angle between
+ *   the faces around a removed node, above 0 to 45 degrees, else a warning and 10. A switch other
+ *   than 0 drops co-linear corners. Then identifiers of nodes to be kept; the word `preserve_str`
+ *   anywhere keeps the nodes of modal stress and strain.
+ * @return 1; 0 when there are no faces or no nodes, when faces name nodes that do not exist, or
+ *   when memory runs out. @since 0.1 */
+QDL_API int32_t QDL_TrimGeometry(QDL_Record *model, const char *arguments);
+
+/** Finds the free edges, those that a single face uses, and joins them to chains of nodes. Internal
+ * geometry is removed first, which changes faces and nodes. The chains are kept until faces or node
+ * identifiers change. The classes of qdlflex/free_edges.hpp do the same for any face list.
+ * @param model handle; null: reported @return 1; 0 when memory runs out, silently. @since 0.1 */
+QDL_API int32_t QDL_GenerateFreeEdges(QDL_Record *model);
+
+/** Number of chains of free edges; they are found first unless they are known.
+ * @param model handle; null: reported @return the count; 0 for null. @since 0.1, slot 162 */
+QDL_API int32_t QDL_GetFreeEdgeCount(QDL_Record *model);
+
+/** Number of nodes in a chain of free edges; the chains are found first unless they are known.
+ * @param model handle; null: reported @param chain zero-based
+ * @return the count; no such chain: 0. @since 0.1, slot 163 */
+QDL_API int32_t QDL_GetFreeEdgeSize(QDL_Record *model, int32_t chain);
+
+/** Nodes of a chain of free edges that is known already. A closed chain begins with its smallest
+ * node index, runs towards the smaller neighbour and ends with the node it began with; an open one
+ * runs from end to end. Where chains meet, one ends.
+ * @param model handle; null: reported @param chain zero-based
+ * @param nodeIds receives as many identifiers as QDL_GetFreeEdgeSize() says
+ * @return the number of identifiers; no such chain: 0. @since 0.1, slot 164 */
+QDL_API int32_t QDL_GetFreeEdge(QDL_Record *model, int32_t chain, int32_t *nodeIds);
+
 /** @} */
 /** @defgroup modelist Mode list, header and model properties
  * @{ */
