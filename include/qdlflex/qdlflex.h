@@ -56,6 +56,8 @@
  *   temporary file is named.
  * - ZEB_QDLWRITE_OPTIONS: options of the writer, read once per QDL_write_QDL(), and by
  *   QDL_GeometryNodes() when it collects the nodes.
+ * - OXR_A2A_BDF2SHL_PID: set to anything, lets QDL_DiscardUnreferencedNodes() go on without mode
+ *   shapes that can't be rewritten.
  * - QDL_RIGID_BODY_THRESHOLD: frequency, as QDL_Eigenvalue() gives it, up to which a mode counts
  *   as rigid. Read by every QDL_RigidBodyModeCount() of a model with more than six modes.
  * - ZEB_MFORCE_NO_FEA_MASS: when set, whatever to, QDL_RigidBodyForcesOnPrincipalAxes() does
@@ -1629,6 +1631,131 @@ QDL_API int32_t build_eigenvalue_table(QDL_Record *model);
  * @param scales receives a new array of M values that the modes are to be divided by
  * @return 1; 0 and a null array for null or without memory. @since 0.1 */
 QDL_API int32_t mass_normalize_modes(QDL_Record *model, double **scales);
+/** @} */
+/** @defgroup motion Rigid transformations and renumbering
+ * Moving a body with everything that belongs to it. Matrices are 3 x 3, row by row. Turning a body
+ * by a matrix M takes every vector v to M^T v and every tensor T to M^T T M: node coordinates,
+ * nodal inertias, centre and inertia of the global mass properties, mode shapes, modal stress and
+ * strain with pre-stress and pre-strain, and every inertia invariant that the model holds or its
+ * file has. Under a mirror the rotations of mode shapes keep the sense of turning, so they are
+ * negated as well; so are invariants 4 and 5 as the library computes them and 4 where the model has
+ * nodal masses. Invariants 5 and, without nodal masses, 4 from a setter or a file are turned like
+ * other vectors: their sign is then that of a body that was not mirrored. Loads, faces (whose
+ * normals point inwards after a mirror), monitor points and the rotor axis stay as they are.
+ *
+ * The maxima of the modes are looked for again after a turn. A zero vector, and a component, angle
+ * or distance that is not finite, make a function fail without a message; so does a null array. A
+ * failure to read or write mode data is reported. The model is then as it was.
+ * @{ */
+
+/** C = A B. C may be A or B. @param A,B,C 3 x 3 matrices; any null: nothing happens. @since 0.1 */
+QDL_API void Matrix_Multiply(const double *A, const double *B, double *C);
+
+/** v = s (M^T v). @param v 3 values, in place @param M 3 x 3 matrix; any null: nothing happens
+ * @param s any integer factor. @since 0.1 */
+QDL_API void Vector_Transform(double *v, const double *M, int32_t s);
+
+/** T = M^T T M. @param T 3 x 3 values, in place @param M 3 x 3 matrix; any null: nothing happens
+ * @param s -1 negates the result, anything else does not. @since 0.1 */
+QDL_API void Tensor_Transform(double *T, const double *M, int32_t s);
+
+/** v = v + d. @param v 3 values, in place @param d 3 values; any null: nothing happens.
+ * @since 0.1 */
+QDL_API void Move_Vector(double *v, const double *d);
+
+/** Mirrors the body in the plane through the origin.
+ * @param model handle; null: reported @param normal of the plane, any length @return 1 or 0.
+ *   @since 0.1 */
+QDL_API int32_t QDL_Mirror_Origin(QDL_Record *model, const double *normal);
+
+/** Mirrors the body in a plane. A point of the plane at a distance above 5e-11 from the plane's
+ * parallel through the origin makes QDL_Translate()'s changes too, with its messages.
+ * @param model handle; null: reported @param normal of the plane, any length
+ * @param point of the plane (length) @return 1; 0 also as QDL_Translate(). @since 0.1, slot 157 */
+QDL_API int32_t QDL_Mirror(QDL_Record *model, const double *normal, const double *point);
+
+/** Turns the body about an axis through the origin by the NEGATIVE angle under the right-hand rule:
+ * this re-expresses the body in a frame turned by the angle. QDL_Rotate() has the opposite sense.
+ * @param model handle; null: reported @param axis direction of any length @param angleDeg degrees
+ * @param R takes the matrix M (9 values), or null @return 1 or 0. @since 0.1 */
+QDL_API int32_t QDL_Rotate_Origin(QDL_Record *model, const double *axis, double angleDeg,
+                                  double *R);
+
+/** Turns the body about an axis by the angle under the right-hand rule. An axis that misses the
+ * origin makes QDL_Translate()'s changes too, with its messages.
+ * @param model handle; null: reported @param axis direction of any length
+ * @param point of the axis (length) @param angleDeg degrees
+ * @return 1; 0 also as QDL_Translate(). @since 0.1, slot 158 */
+QDL_API int32_t QDL_Rotate(QDL_Record *model, const double *axis, const double *point,
+                           double angleDeg);
+
+/** Moves the body. The global mass properties are brought up to date with invariants 1, 2 and 7
+ * first, as by QDL_CalculateGlobalMassFromNodeMass(). Invariants that the library computed follow
+ * exactly. Of those that a setter or a file supplied, 2, 4 and 7 are summed anew over nodal masses
+ * and 8, or 4 without nodal masses, follow with the help of invariant 3; where that is missing an
+ * error is reported for each and the invariant stays, while everything else is moved.
+ * @param model handle; null: reported @param direction any length @param distance length
+ * @return 1; 0 also when an invariant stays behind. @since 0.1, slot 159 */
+QDL_API int32_t QDL_Translate(QDL_Record *model, const double *direction, double distance);
+
+/** Gives the interface nodes new identifiers, in their order. A node that has such an identifier
+ * gets the interface node's in exchange. Entries that refer to no node are passed over.
+ * @param model handle; null: reported @param count number of identifiers; those beyond the
+ *   interface nodes are ignored (warning); interface nodes beyond them keep theirs
+ * @param ids identifiers, any values
+ * @return 1; 0 for a null array, unless count is 0 or less. @since 0.1, slot 160 */
+QDL_API int32_t QDL_RenumberInterfaceNodes(QDL_Record *model, int32_t count, const int32_t *ids);
+
+/** Adds an offset to every node identifier.
+ * @param model handle; null: reported @param offset any value
+ * @return 1; 0 without changes or a message when an identifier would fall below 1 or overflow.
+ *   @since 0.1, slot 161 */
+QDL_API int32_t QDL_RenumberNodes(QDL_Record *model, int32_t offset);
+
+/** @} */
+/** @defgroup pruning Removing inner nodes
+ * @{ */
+
+/** Removes the inner faces and then every node that the geometry does not use:
+ * QDL_StripCommonFaces(), then QDL_DiscardUnreferencedNodes(). Does nothing once the faces have
+ * been stripped, by whichever function.
+ * @param model handle; null: reported @return whether the faces have been stripped: 1, also when
+ *   nodes could not be discarded. @since 0.1 */
+QDL_API int32_t QDL_RemoveInternalGeometry(QDL_Record *model);
+
+/** Discards every node that is none of QDL_GeometryNodes(), with its share of mode data, nodal
+ * masses and inertias, pre-stress and pre-strain. The others keep their order; node indices
+ * change. Each rewritten kind of mode data is told as information. Stress or strain modes that lose
+ * all their nodes are dropped, with a warning, and so is a pre-stress or pre-strain.
+ * Inertia invariants and global mass properties are those of the whole body: they are not changed,
+ * but what is not known yet would be computed from the nodes that are left.
+ * OXR_A2A_BDF2SHL_PID set: mode shapes that can't be rewritten are lost instead of making the
+ * function fail.
+ * @param model handle; null: reported
+ * @return 1; 0 with nothing changed when mode data can't be read or written (reported).
+ *   @since 0.1 */
+QDL_API int32_t QDL_DiscardUnreferencedNodes(QDL_Record *model);
+
+/** Expresses the model in another frame and other modes. Nodal masses and inertias are multiplied
+ * by the factor; the mode data of all kinds is combined; the origin is subtracted from the centre
+ * of mass and the node coordinates, which are then turned by the matrix. Directions in mode data
+ * and nodal inertias are not turned, generalized matrices not changed. What is known of invariants
+ * and maxima is forgotten, blocks of the file included.
+ * @param model handle; null: reported @param origin 3 values (length); null: not moved
+ * @param newModeCount number of modes afterwards, 0 or more
+ * @param massFactor factor of nodal masses and inertias
+ * @param coeff M x newModeCount coefficients, column by column those of a new mode; null: mode data
+ *   stays, and the mode count only ever shrinks
+ * @param rotation 3 x 3 matrix, used as by Vector_Transform(); null: not turned
+ * @return 1; 0 with nothing changed. @since 0.1, slot 165 */
+QDL_API int32_t QDL_PermuteQDL(QDL_Record *model, const double *origin, int32_t newModeCount,
+                               double massFactor, const double *coeff, const double *rotation);
+
+/** Empties the eigenvalue table, the mode-shape transformation and the generalized stiffness, mass
+ * and damping, and lowers the presence flags of nodal masses and inertias, so that they can be set
+ * anew.
+ * @param model handle; null: reported @return 1 or 0. @since 0.1, slot 166 */
+QDL_API int32_t QDL_PreprocessKVTQDL(QDL_Record *model);
 
 /** @} */
 /** @defgroup files Files

@@ -10,28 +10,9 @@ double total_mass(const QDL_Record &record) {
   return mass;
 }
 
-Vector3 first_moment(const QDL_Record &record) {
-  Vector3 moment{};
-  for (const Node &node : record.nodes) {
-    for (std::size_t c = 0; c < 3; ++c)
-      moment[c] += node.mass * node.xyz[c];
-  }
-  return moment;
-}
-
 void add(Matrix3 &sum, const Matrix3 &term) {
   for (std::size_t i = 0; i < sum.size(); ++i)
     sum[i] += term[i];
-}
-
-Matrix3 inertia_about_origin(const QDL_Record &record) {
-  Matrix3 inertia{};
-  for (const Node &node : record.nodes) {
-    add(inertia, point_inertia(node.mass, node.xyz));
-    if (node.inertia != nullptr)
-      add(inertia, symmetric_matrix(*node.inertia));
-  }
-  return inertia;
 }
 
 template <class Values>
@@ -83,6 +64,25 @@ Matrix3 negate_products(Matrix3 inertia) {
   for (std::size_t i = 0; i < inertia.size(); ++i) {
     if (i % 4 != 0)
       inertia[i] = -inertia[i];
+  }
+  return inertia;
+}
+
+Vector3 first_moment(const QDL_Record &record) {
+  Vector3 moment{};
+  for (const Node &node : record.nodes) {
+    for (std::size_t c = 0; c < 3; ++c)
+      moment[c] += node.mass * node.xyz[c];
+  }
+  return moment;
+}
+
+Matrix3 inertia_about_origin(const QDL_Record &record) {
+  Matrix3 inertia{};
+  for (const Node &node : record.nodes) {
+    add(inertia, point_inertia(node.mass, node.xyz));
+    if (node.inertia != nullptr)
+      add(inertia, symmetric_matrix(*node.inertia));
   }
   return inertia;
 }

@@ -359,7 +359,8 @@ struct QDL_Record {
   std::vector<qdlflex::MonitorPoint> monitor_points;
   qdlflex::RotorDynamics rotor;
 
-  double body_size = 0.0;  // kept once it is not zero
+  double body_size = 0.0;    // kept once it is not zero
+  bool mass_pruned = false;  // nodes with mass were discarded: the others don't sum up to the body
   bool surface_mesh = false;
   bool coarsened = false;
   bool mass_normalize_modes = false;

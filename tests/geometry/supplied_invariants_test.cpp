@@ -1,0 +1,226 @@
+// What rigid motions make of inertia invariants that a setter or a file supplied, and of the global
+// mass properties.
+#include <gtest/gtest.h>
+#include <qdlflex/qdlflex.h>
+
+#include <vector>
+
+#include "geometry/body.h"
+#include "numerics/qdlinvar.h"
+#include "support/read_fixture.h"
+
+namespace {
+
+using namespace qdltest;
+
+constexpr Vec kX = {1, 0, 0};
+constexpr Vec kPoint = {2, 0, 0};
+
+std::vector<double> invariant_of(QDL_Record *model, int number) {
+  return qdlflex::obtain_invariant(*model, number).values;
+}
+
+// Two modes, 3 values each, of which every one is different.
+std::vector<double> columns(double first) {
+  return {first, first + 1, first + 2, first + 3, first + 4, first + 5};
+}
+
+class SuppliedInvariants : public ReadFixture {
+ protected:
+  QDL_Record *two_modes() {
+    QDL_Record *model = QDL_Create(1, 2);
+    QDL_SetNodeCoordinates(model, 1, 1, 2, 3);
+    for (const int number : {1, 2}) {
+      const Six six = {1.0 * number, 2, -1, 0.5, 0.25, 1};
+      QDL_SetModeVec(model, number, 1, 0, six.data());
+    }
+    clear_messages();
+    return model;
+  }
+  static void set_3(QDL_Record *model) {
+    const Vec first = {1, 3, 5};
+    const Vec second = {2, 4, 6};
+    EXPECT_EQ(QDL_SetInvar3(model, 1, first.data()), 1);
+    EXPECT_EQ(QDL_SetInvar3(model, 2, second.data()), 1);
+  }
+  static void set_4(QDL_Record *model) {
+    const Vec first = {11, 13, 15};
+    const Vec second = {12, 14, 16};
+    EXPECT_EQ(QDL_SetInvar4(model, 1, first.data()), 1);
+    EXPECT_EQ(QDL_SetInvar4(model, 2, second.data()), 1);
+  }
+};
+
+// 4 and 5 have the sign of a rotation; the supplier's are turned like any vector all the same.
+TEST_F(SuppliedInvariants, AreMirroredAsVectorsAndTensors) {
+  QDL_Record *model = two_modes();
+  const Vec second = {7, 8, 9};
+  const Six tensor = {1, 2, 3, 4, 5, 6};
+  const std::vector<double> nine = {1, 2, 3, 4, 5, 6, 7, 8, 9};
+  set_3(model);
+  set_4(model);
+  QDL_SetInvar2(model, second.data());
+  QDL_SetInvar5(model, 1, 2, second.data());
+  QDL_SetInvar7(model, tensor.data());
+  QDL_SetInvar8(model, 2, nine.data());
+  QDL_SetInvar9(model, 1, 2, nine.data());
+  ASSERT_EQ(QDL_Mirror_Origin(model, kX.data()), 1);
+  EXPECT_EQ(invariant_of(model, 2), (std::vector<double>{-7, 8, 9}));
+  EXPECT_EQ(invariant_of(model, 3), (std::vector<double>{-1, -2, 3, 4, 5, 6}));
+  EXPECT_EQ(invariant_of(model, 4), (std::vector<double>{-11, -12, 13, 14, 15, 16}));
+  EXPECT_EQ(invariant_of(model, 5), (std::vector<double>{0, -7, 0, 8, 0, 9, 7, 0, -8, 0, -9, 0}));
+  EXPECT_EQ(invariant_of(model, 7), (std::vector<double>{1, -4, -5, -4, 2, 6, -5, 6, 3}));
+  EXPECT_EQ(invariant_of(model, 8), (std::vector<double>{0, 0, 0, 0, 0, 0, 0, 0, 0,  //
+                                                         1, -2, -3, -4, 5, 6, -7, 8, 9}));
+  const std::vector<double> pairs = invariant_of(model, 9);
+  EXPECT_EQ(std::vector<double>(pairs.begin() + 9, pairs.begin() + 18),
+            (std::vector<double>{1, -2, -3, -4, 5, 6, -7, 8, 9}));
+}
+
+// With nodal masses invariant 4 is a sum over nodes, whoever gave it.
+TEST_F(SuppliedInvariants, FourFollowsTheMirrorOfTheNodesWhereThereAreMasses) {
+  QDL_Record *model = two_modes();
+  set_4(model);
+  QDL_SetNodalMass(model, 1, 2.0);
+  ASSERT_EQ(QDL_Mirror_Origin(model, kX.data()), 1);
+  EXPECT_EQ(invariant_of(model, 4), (std::vector<double>{11, 12, -13, -14, -15, -16}));
+}
+
+TEST_F(SuppliedInvariants, OfAFileAreTurnedEvenIfNobodyAskedForThemBefore) {
+  for (const std::int32_t code : {60, 60 | kXdrBit | kSingleBit}) {
+    const SampleModel sample = sample_model();
+    QDL_Record *model = open(build_file(code));
+    ASSERT_EQ(QDL_Mirror_Origin(model, kX.data()), 1);
+    for (const int number : {1, 2, 3, 4, 5, 7, 8, 9}) {
+      std::vector<double> expected = sample.invariants[static_cast<std::size_t>(number)];
+      for (std::size_t i = 0; i < expected.size(); ++i) {
+        const bool column = number == 3 || number == 4 || number == 5;
+        const bool first_of_vector = (column ? i / 2 % 3 : i) == 0;
+        const bool off_diagonal_of_first = (i % 9 / 3 == 0) != (i % 3 == 0);
+        if (number == 4             ? !first_of_vector
+            : number == 2 || column ? first_of_vector
+                                    : number > 6 && off_diagonal_of_first)
+          expected[i] = -expected[i];
+      }
+      EXPECT_EQ(invariant_of(model, number), expected) << "invariant " << number;
+    }
+  }
+}
+
+TEST_F(SuppliedInvariants, CannotFollowATranslationWithoutMasses) {
+  QDL_Record *model = two_modes();
+  const Vec second = {7, 8, 9};
+  const Six tensor = {1, 2, 3, 0, 0, 0};
+  QDL_SetInvar2(model, second.data());
+  set_4(model);
+  QDL_SetInvar7(model, tensor.data());
+  const std::vector<double> nine(9, 1.0);
+  QDL_SetInvar8(model, 1, nine.data());
+  clear_messages();
+  EXPECT_EQ(QDL_Translate(model, kX.data(), 2.0), 0);
+  EXPECT_EQ(errors, (std::vector<std::string>{
+                        "Can not Compute Invar2.\n",
+                        "Can not compute Invar4. \nInvar3 or Nodal Mass inforamtion is needed to "
+                        "compute Invar4.",
+                        "Can not Compute Invar7.\n",
+                        "Can not compute Invar8. \nInvar3 is needed to compute Invar8."}));
+  EXPECT_EQ(model->nodes[0].xyz, (Vec{3, 2, 3}));
+  EXPECT_EQ(invariant_of(model, 2), (std::vector<double>{7, 8, 9}));
+  EXPECT_EQ(invariant_of(model, 4), columns(11));
+
+  // The rest of a rotation about a distant axis is done as well.
+  clear_messages();
+  EXPECT_EQ(QDL_Rotate(model, Vec{0, 0, 1}.data(), kPoint.data(), 180.0), 0);
+  EXPECT_EQ(errors.size(), 4U);
+  expect_near({model->nodes[0].xyz.begin(), model->nodes[0].xyz.end()}, {1, -2, 3}, 1e-15);
+}
+
+TEST_F(SuppliedInvariants, FourAndEightFollowATranslationWithInvariantThree) {
+  QDL_Record *model = two_modes();
+  set_3(model);
+  set_4(model);
+  const std::vector<double> nine(9, 1.0);
+  QDL_SetInvar8(model, 1, nine.data());
+  EXPECT_EQ(QDL_Translate(model, kX.data(), 2.0), 1);
+  // 4: plus (2, 0, 0) x (1, 3, 5) and (2, 0, 0) x (2, 4, 6).
+  EXPECT_EQ(invariant_of(model, 4), (std::vector<double>{11, 12, 3, 2, 21, 24}));
+  // 8: plus ~(2, 0, 0) ~(1, 3, 5) and ~(2, 0, 0) ~(2, 4, 6).
+  EXPECT_EQ(invariant_of(model, 8), (std::vector<double>{1, 1, 1, 7, -1, 1, 11, 1, -1,  //
+                                                         0, 0, 0, 8, -4, 0, 12, 0, -4}));
+  expect_no_messages();
+}
+
+TEST_F(SuppliedInvariants, AreSummedAnewOverTheNodesByATranslation) {
+  const Body body = sample_body();
+  QDL_Record *model = build(body, 3);
+  const Vec wrong = {7, 8, 9};
+  const Six wrong_tensor = {1, 2, 3, 0, 0, 0};
+  QDL_SetInvar2(model, wrong.data());
+  QDL_SetInvar4(model, 4, wrong.data());
+  QDL_SetInvar7(model, wrong_tensor.data());
+  const Vec axis = {1, 2, -1};
+  ASSERT_EQ(QDL_Mirror(model, axis.data(), kPoint.data()), 1);
+  const Body expected = moved(body, mirror(axis, kPoint));
+  for (const int number : {2, 4, 7})
+    expect_near(invariant_of(model, number), invariant(expected, number), 1e-13);
+}
+
+TEST_F(SuppliedInvariants, EightNeedsThreeAlsoWhereThereAreMasses) {
+  QDL_Record *model = two_modes();
+  QDL_SetNodalMass(model, 1, 2.0);
+  const std::vector<double> nine(9, 1.0);
+  QDL_SetInvar8(model, 1, nine.data());
+  clear_messages();
+  EXPECT_EQ(QDL_Translate(model, kX.data(), 2.0), 0);
+  expect_only_error("Can not compute Invar8. \nInvar3 is needed to compute Invar8.");
+}
+
+// The stored products of inertia are positive: the tensor has their negatives.
+TEST_F(SuppliedInvariants, NoneLeavesTheGlobalMassToBeMoved) {
+  QDL_Record *model = QDL_Create(0, 0);
+  const Vec centre = {1, 2, -1};
+  // Two unit masses on either side of the centre, at (1, 2, -1) + (1, -1, 2) and - (1, -1, 2).
+  const auto inertia = [](const Vec &c, const Vec &d) {
+    std::vector<double> values;
+    for (std::size_t i = 0; i < 3; ++i) {
+      for (std::size_t j = 0; j < 3; ++j) {
+        double sum = 0.0;
+        for (const double side : {-1.0, 1.0}) {
+          const Vec r = {c[0] + side * d[0], c[1] + side * d[1], c[2] + side * d[2]};
+          const double square = r[0] * r[0] + r[1] * r[1] + r[2] * r[2];
+          sum += i == j ? square - r[i] * r[i] : r[i] * r[j];
+        }
+        values.push_back(sum);
+      }
+    }
+    return values;
+  };
+  const Vec arm = {1, -1, 2};
+  ASSERT_EQ(QDL_SetGlobalMass(model, 2.0, centre.data(), inertia(centre, arm).data()), 1);
+  clear_messages();
+  const Vec axis = {1, 1, 2};
+  const Vec point = {0, 3, 1};
+  for (const bool known_invariants : {false, true}) {
+    if (known_invariants)
+      qdlflex::obtain_invariant(*model, 7);
+    ASSERT_EQ(QDL_Rotate(model, axis.data(), point.data(), 77.0), 1);
+  }
+  Body ends;
+  for (const double side : {0.0, 1.0}) {
+    const Vec r = {centre[0] + side * arm[0], centre[1] + side * arm[1], centre[2] + side * arm[2]};
+    ends.nodes.push_back({1, r, 0.0, false, {}});
+  }
+  ends = moved(ends, turn(axis, point, 154.0));
+  const Vec c = ends.nodes[0].xyz;
+  const Vec end = ends.nodes[1].xyz;
+  double mass = 0.0;
+  std::vector<double> moved_centre(3);
+  std::vector<double> moved_inertia(9);
+  ASSERT_EQ(QDL_TotalMassInertia(model, &mass, moved_centre.data(), moved_inertia.data()), 1);
+  EXPECT_EQ(mass, 2.0);
+  expect_near(moved_centre, {c[0], c[1], c[2]}, 1e-14);
+  expect_near(moved_inertia, inertia(c, {end[0] - c[0], end[1] - c[1], end[2] - c[2]}), 1e-13);
+  expect_no_messages();
+}
+
+}  // namespace
