@@ -2,6 +2,7 @@
 
 #include <cstddef>
 
+#include "geometry/vector3.h"
 #include "record/record.h"
 
 namespace qdlflex {
@@ -18,10 +19,6 @@ double length_of(const Vector3 &vector);
 
 inline bool is_mirror(const Matrix3 &matrix) {
   return determinant(matrix) < 0.0;
-}
-
-inline double dot(const Vector3 &a, const Vector3 &b) {
-  return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
 }
 
 inline Vector3 cross(const Vector3 &a, const Vector3 &b) {

@@ -193,7 +193,9 @@ bool remove_internal_geometry(QDL_Record &record) {
 using namespace qdlflex;
 
 int32_t QDL_RemoveInternalGeometry(QDL_Record *model) {
-  return with_model(model, kArea, 0, remove_internal_geometry);
+  // The stripping counts also where memory for discarding the nodes can't be had.
+  with_model(model, kArea, 0, remove_internal_geometry);
+  return model != nullptr && model->interior_faces_stripped ? 1 : 0;
 }
 
 int32_t QDL_DiscardUnreferencedNodes(QDL_Record *model) {

@@ -39,12 +39,6 @@ Vector3 times(double factor, Vector3 vector) {
   return vector;
 }
 
-Vector3 minus(Vector3 a, const Vector3 &b) {
-  for (std::size_t c = 0; c < 3; ++c)
-    a[c] -= b[c];
-  return a;
-}
-
 Matrix3 product(const Matrix3 &a, const Matrix3 &b) {
   Matrix3 c{};
   Matrix_Multiply(a.data(), b.data(), c.data());
@@ -80,7 +74,7 @@ Matrix3 mirror_matrix(const Vector3 &normal) {
 /// The part of a point's position that lies across the axis through the origin.
 Vector3 part_across(const Vector3 &axis, const Vector3 &point) {
   const Vector3 unit = times(1.0 / length_of(axis), axis);
-  return minus(point, times(dot(point, unit), unit));
+  return difference(point, times(dot(point, unit), unit));
 }
 
 bool is_finite(const Vector3 &vector) {
@@ -136,7 +130,7 @@ int32_t QDL_Rotate(QDL_Record *model, const double *axis, const double *point, d
     const Vector3 across = part_across(*along, *on_axis);
     Vector3 turned = across;
     turn_vector(*motion.matrix, turned.data());
-    const Vector3 offset = minus(across, turned);
+    const Vector3 offset = difference(across, turned);
     if (dot(offset, offset) > kLeastSquaredRotationShift)
       motion.offset = offset;
     return is_finite(offset) && move_body(record, motion);
