@@ -2,7 +2,6 @@
 
 #include <cmath>
 #include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <numbers>
 
@@ -12,13 +11,13 @@
 #include "console.h"
 #include "nodal_masses.h"
 #include "record.h"
+#include "write_record.h"
 
 namespace qdlflex::cli {
 
 namespace {
 
 constexpr const char *kDefaultInterfaceSet = "INTERFACE";
-constexpr const char *kWriteOptionsVariable = "ZEB_QDLWRITE_OPTIONS";
 constexpr double kMassTolerance = 1e-4;
 
 struct ModelSource {
@@ -262,13 +261,6 @@ void warn_of_what_is_left_out(const FrdFile &results) {
   }
 }
 
-void write(QDL_Record *record, const CcxImport &options) {
-  setenv(kWriteOptionsVariable, options.write_options.c_str(), 1);
-  if (QDL_write_QDL(record, options.output.c_str()) == 0) {
-    throw Failure(options.output + " was not written");
-  }
-}
-
 void print_summary(const ModelSource &source, const std::string &output, double mass) {
   const auto &modes = source.results.modes();
   const FrdMode &last = modes.rbegin()->second;
@@ -308,7 +300,7 @@ void import_ccx(const CcxImport &options) {
   set_faces(record.get(), source.results);
   set_interface_nodes(record.get(), source.deck, options);
   set_modes(record.get(), source, options);
-  write(record.get(), options);
+  write_record(record.get(), options.output, options.write_options);
   print_summary(source, options.output, mass);
 }
 

@@ -53,9 +53,6 @@ constexpr std::array<const char *, QDL_BLOCK_COUNT> kBlockNames = {
     "rotor dynamics",
 };
 
-constexpr int32_t kHeaderIndex = 1;
-constexpr int64_t kNativeHeaderSize = 544;  // one byte per character; XDR takes four
-
 /// Blocks follow one another without gaps, so their sizes give their places. The library measures
 /// the last possible block as 0: it takes what is left of the file.
 std::vector<BlockInfo> list_blocks(QDL_Record *record, int64_t file_size) {
@@ -172,7 +169,7 @@ FileInfo read_file_info(const std::string &path) {
   info.path = path;
   info.size = static_cast<int64_t>(std::filesystem::file_size(path));
   info.version = QDL_Version(record.get());
-  info.xdr = QDL_size_of_block(record.get(), kHeaderIndex) != kNativeHeaderSize;
+  info.xdr = is_xdr(record.get());
   info.double_precision = QDL_Double_Prec(record.get()) != 0;
   info.coarsened = QDL_IsCoarsened(record.get()) != 0;
   read_header(record.get(), info);

@@ -1,10 +1,10 @@
-#include <cstdlib>
 #include <memory>
 
 #include "ccx_import.h"
 #include "commands.h"
 #include "console.h"
 #include "text_input.h"
+#include "write_record.h"
 
 namespace qdlflex::cli {
 
@@ -16,17 +16,11 @@ struct ImportOptions {
   bool verbose = false;
 };
 
-/// The user's own options for the writer come first. Without any, the modes go into the file as
-/// the solver made them.
-std::string default_write_options() {
-  const char *const set = std::getenv("ZEB_QDLWRITE_OPTIONS");
-  return set != nullptr && *set != '\0' ? set : "no_ortho";
-}
-
 void add_ccx_command(CLI::App &app, Job &job) {
   const auto options = std::make_shared<ImportOptions>();
   CcxImport &import = options->import;
-  import.write_options = default_write_options();
+  // Without options of the user's own, the modes go into the file as the solver made them.
+  import.write_options = user_write_options().value_or("no_ortho");
 
   CLI::App *const command = app.add_subcommand("ccx", "Import results of the CalculiX solver.");
   command->add_option("results", import.results, "Result file in text form")

@@ -16,10 +16,14 @@ int run(int argc, char **argv) {
   app.set_version_flag("--version", "qdlflex " QDLFLEX_VERSION_STRING);
   app.require_subcommand(1);
   Job job;
+  add_edges_command(app, job);
+  add_export_command(app, job);
   add_import_command(app, job);
   add_info_command(app, job);
   add_invariants_command(app, job);
   add_orthonormalize_command(app, job);
+  add_surface_command(app, job);
+  add_transform_command(app, job);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError &error) {

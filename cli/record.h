@@ -17,6 +17,9 @@ using Record = std::unique_ptr<QDL_Record, ReleaseRecord>;
 /// Throws a Failure if the file cannot be opened as a QDL file.
 Record open_record(const std::string &path);
 
+/// Tells whether the file of a record is in XDR encoding.
+bool is_xdr(QDL_Record *record);
+
 /// Throws a Failure if the output is the input, under whatever name.
 void check_output_is_not(const std::string &input, const std::string &output);
 

@@ -58,7 +58,8 @@ std::array<double, 6> vector_of(QDL_Record *record, int32_t mode, int32_t kind, 
 
 TEST_F(CommandTest, WrongUsageEndsWithTwo) {
   for (const char *const arguments :
-       {"", "export", "import", "import ccx", "info", "info a b", "info --xml a",
+       {"", "expand", "export", "export vtu a", "export stl a -o b --stress", "import",
+        "import ccx", "info", "info a b", "info --xml a", "edges", "surface a --strip",
         "import ccx a.frd -o b.qdl", "import ccx a.frd --units mm-N-t-s",
         "import ccx a.frd --units mm-N-t -o b.qdl",
         "import ccx a.frd --units mm-N-t-s -o b --mass m",
@@ -74,7 +75,8 @@ TEST_F(CommandTest, WrongUsageEndsWithTwo) {
 
 TEST_F(CommandTest, HelpAndVersionEndWithZero) {
   for (const char *const arguments :
-       {"--help", "import --help", "import ccx --help", "info --help", "--version"}) {
+       {"--help", "edges --help", "export --help", "export stl --help", "import --help",
+        "import ccx --help", "info --help", "surface --help", "transform --help", "--version"}) {
     const CommandResult result = run_qdlflex(arguments);
     EXPECT_EQ(result.exit_code, 0) << arguments;
     EXPECT_NE(result.output, "") << arguments;
