@@ -1327,13 +1327,13 @@ QDL_API double *QDL_Invar9(QDL_Record *model, int32_t index_i, int32_t index_k);
 /** Obtains invariants 1, 2, 3, 4, 7 and 8, which the getters then answer at once; the information
  * "Computing fast set of invariants" is given. Without nodal masses, and with some of them neither
  * supplied nor in the file, the error "There is insufficient mass data to compute a partial set of
- * mass invariants.\nSome or all mass invariants will be set to zero." comes before it. A mode that
+ * mass invariants.\\nSome or all mass invariants will be set to zero." comes before it. A mode that
  * can't be read is reported and counts as zero.
  * @param model handle; null: reported. @since 0.1 */
 QDL_API void QDL_FastComputeInvars(QDL_Record *model);
 
 /** The same for all invariants, with "Computing *all* invariants" and "There is insufficient mass
- * data to compute a full set of mass invariants.\nSome or all mass invariants will be set to zero."
+ * data to compute a full set of mass invariants.\\nSome or all mass invariants will be set to zero."
  * Takes time in proportion to nodes times the square of the modes.
  * @param model handle; null: reported. @since 0.1 */
 QDL_API void QDL_FullComputeInvars(QDL_Record *model);
