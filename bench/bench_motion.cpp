@@ -42,7 +42,9 @@ void set_faces(QDL_Record *model) {
   }
 }
 
-void rotate(benchmark::State &state, const char *options, const char *job) {
+/// Every round but the first turns what the one before has written. Values in single precision are
+/// widened and rounded on the way, which a copy of half the bytes has no share in.
+void rotate(benchmark::State &state, const char *options, const char *job, double at_least) {
   const Folder folder;
   const std::string file = folder.file("body.qdl");
   write_sample(file, kNodes, kModes, options);
@@ -54,7 +56,7 @@ void rotate(benchmark::State &state, const char *options, const char *job) {
   double after[3];
   QDL_NodeCoordinates(model, 7, before);
   compare(
-      state, {job, "a plain copy of the same bytes", 0.5},
+      state, {job, "a plain copy of the same bytes", at_least},
       [&] { require(QDL_Rotate_Origin(model, axis, 10.0, nullptr) == 1, "the rotation"); },
       [&] { copy_plain(file, bytes, folder.file("plain"), bytes); });
   QDL_NodeCoordinates(model, 7, after);
@@ -85,10 +87,10 @@ void prune(benchmark::State &state) {
 
 const bool registered = [] {
   register_row("rotate_native", [](benchmark::State &state) {
-    rotate(state, "no_ortho no_xdr", "turn a body, native double");
+    rotate(state, "no_ortho no_xdr", "turn a body, native double", 0.5);
   });
-  register_row("rotate_from_xdr_single", [](benchmark::State &state) {
-    rotate(state, "no_ortho single", "turn a body, single precision");
+  register_row("rotate_single", [](benchmark::State &state) {
+    rotate(state, "no_ortho single", "turn a body, single precision", 0.4);
   });
   register_row("prune", prune);
   return true;
