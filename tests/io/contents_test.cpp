@@ -1,0 +1,164 @@
+// The report of a model's contents: texts spelled out block by block, the report of a complete file
+// as it is kept in the tree, and streams and handles that are not there.
+
+#include <qdlflex/qdlflex.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+#include "support/fault.h"
+#include "support/read_fixture.h"
+
+namespace {
+
+using namespace qdltest;
+
+const std::string kGolden = QDLFLEX_SOURCE_DIR "/tests/golden/";
+
+std::string report(QDL_Record *model, int block) {
+  char *text = nullptr;
+  std::size_t size = 0;
+  std::FILE *stream = open_memstream(&text, &size);
+  QDL_Contents(model, block, stream);
+  std::fclose(stream);
+  std::string result(text, size);
+  std::free(text);
+  return result;
+}
+
+std::string frame(const std::string &number_and_title) {
+  const std::string dashes(74, '-');
+  const std::string blank = "|" + std::string(72, ' ') + "|\n";
+  std::string line = "|    Block " + number_and_title;
+  line += std::string(73 - line.size(), ' ') + "|\n";
+  return "\n\n" + dashes + "\n" + blank + line + blank + dashes + "\n\n\n";
+}
+
+class Contents : public ReadFixture {};
+
+TEST_F(Contents, SmallBlocks) {
+  QDL_Record *model = QDL_Create(2, 2);
+  QDL_SetNodeCoordinates(model, 7, 1.5, -2, 0);
+  QDL_SetNodalMass(model, 7, 0.25);
+  QDL_SetNodalInertia(model, 7, 1, 2, 3, 0.5, 0, -0.5);
+  QDL_SetInterfaceNode(model, 7);
+  for (int mode = 1; mode <= 2; ++mode) {
+    QDL_SetMode(model, mode, 7, QDL_MODE_SHAPE, 1, -2, 0, 0, 0, 0.5);
+    QDL_SetGeneralizedStiffness(model, mode, mode, 4.0 * mode);
+  }
+  QDL_SetUnits(model, "KILOGRAM", "METER", "SECOND", "NEWTON");
+  EXPECT_EQ(report(model, 1), frame("  1:      Version Code:") +
+                                  "QDL version: 3.1\nPrecision: Double   \n"
+                                  "Platform independent (XDR encoded): Yes \n"
+                                  "Coarsened or sketched mesh: No \n\n");
+  EXPECT_EQ(report(model, 4), frame("  4:      Nodal Coords:") +
+                                  "        7     1.5000000000e+00    -2.0000000000e+00     "
+                                  "0.0000000000e+00 \n");
+  EXPECT_EQ(report(model, 5), frame("  5:      Element Topology:") +
+                                  "Obsolete: Reported as part of face list, block 14\n");
+  EXPECT_EQ(report(model, 9), frame("  9:      Nodal Masses:") + "        7\t2.500000e-01\n");
+  EXPECT_EQ(report(model, 10),
+            frame(" 10:      Nodal Inertias:") +
+                "Inertia Tensor of Node         7:      1.0000000000      0.5000000000      "
+                "0.0000000000\n" +
+                std::string(34, ' ') + "     0.5000000000      2.0000000000     -0.5000000000\n" +
+                std::string(34, ' ') + "     0.0000000000     -0.5000000000      3.0000000000\n");
+  EXPECT_EQ(report(model, 12), frame(" 12:      Generalized Stiffness:") +
+                                   "    0       0       4.0000000000e+00\n"
+                                   "    1       1       8.0000000000e+00\n");
+  EXPECT_EQ(report(model, 17), frame(" 17:      Interface Nodes:") + "   0         7 \n");
+  EXPECT_EQ(report(model, 19), frame(" 19:      Invariant 1:") + "\t0.250000 \n\n");
+  EXPECT_EQ(report(model, 21),
+            frame(" 21:      Invariant 3:") +
+                "    1,   2.5000000000e-01 -5.0000000000e-01  0.0000000000e+00 \n"
+                "    2,   2.5000000000e-01 -5.0000000000e-01  0.0000000000e+00 \n");
+  const std::string tildes(112, '~');
+  EXPECT_EQ(report(model, 8).substr(report(model, 8).find("MODE NUMBER 2")),
+            "MODE NUMBER 2=================================\n\n"
+            "     ID            dx               dy               dz               ax            "
+            "   ay               az\n" +
+                tildes +
+                "\n\n        7  1.000000000e+00 -2.000000000e+00  0.000000000e+00  "
+                "0.000000000e+00  0.000000000e+00  5.000000000e-01\n");
+}
+
+TEST_F(Contents, AbsentBlocks) {
+  QDL_Record *model = QDL_Create(0, 0);
+  const std::pair<int, std::string> absent[] = {
+      {6, "No global body property information\n"},
+      {7, "No eigenvalue information\n"},
+      {8, "Number of Mode Shapes 0\n"},
+      {10, "\tNo Nodal Inertia information.\n"},
+      {12, "No generalized stiffness information.\n"},
+      {13, "No generalized mass information in QDL\n"},
+      {14, "number of faces 0\n\n"},
+      {15, "No generalized damping information in QDL.\n"},
+      {16, "\tNo Mode Shape Transformation, modes used as is.\n\n"},
+      {18, "\tNo Modal Stress Information\n\n"},
+      {20, "\tNo Invariant 2 information\n\n"},
+      {24, "\tNo Invariant 7 information\n\n"},
+      {27, "\tNo Preload information.\n\n"},
+      {28, "\tNo Modal Load information.\n\n"},
+      {29, "\tNo Modal Strain Information\n\n"},
+      {30, "\tNo Modal Statistic Information\n\n"},
+      {31, "\tNo Nodal Pre-Stress Information\n\n"},
+      {32, "\tNo Nodal Pre-Strain Information\n\n"},
+      {34, "\tNo Matrix Operator Information.\n\n"},
+      {35, "\tNo Modal Load Nodal Information.\n\n"},
+      {36, "\tNo Monitor Point Information\n\n"},
+      {37, "\tNo Rotor Dynamics Information\n\n"},
+  };
+  for (const auto &[block, text] : absent) {
+    const std::string found = report(model, block);
+    EXPECT_EQ(found.substr(found.find("-\n\n\n") + 4), text) << block;
+  }
+  for (const int block : {-1, 0, 33, 38})
+    EXPECT_EQ(report(model, block), "") << block;
+  EXPECT_EQ(errors, std::vector<std::string>{});
+}
+
+// The kept text was read line by line against the builder's numbers before it was put there.
+TEST_F(Contents, CompleteFile) {
+  QDL_Record *model = QDL_CreateFromQDL((kGolden + "60_xdr_double.qdl").c_str());
+  std::string found;
+  for (int block = 1; block <= 37; ++block)
+    found += report(model, block);
+  const std::vector<std::uint8_t> kept = read_file(kGolden + "60_xdr_double.contents.txt");
+  EXPECT_EQ(found, std::string(kept.begin(), kept.end()));
+  EXPECT_EQ(errors, std::vector<std::string>{});
+}
+
+TEST_F(Contents, EigenvaluesOfSomeModes) {
+  QDL_Record *model = QDL_Create(0, 2);
+  QDL_SetGeneralizedMass(model, 1, 1, 1.0);
+  QDL_SetGeneralizedMass(model, 2, 2, 1.0);
+  QDL_SetGeneralizedStiffness(model, 2, 2, 4.0);
+  QDL_SetGeneralizedStiffness(model, 1, 2, 1.0);
+  ASSERT_EQ(QDL_Eigenvalue(model, 1, nullptr, nullptr, nullptr, nullptr, nullptr), 0);
+  EXPECT_NE(report(model, 7).find("=\n    2 "), std::string::npos) << report(model, 7);
+}
+
+TEST_F(Contents, FlushesWhenMemoryRunsOut) {
+  QDL_Record *model = QDL_Create(1, 1);
+  std::FILE *stream = std::fopen(path("report").c_str(), "wb");
+  ASSERT_NE(stream, nullptr);
+  std::fputs("before", stream);
+  {
+    const FailAllocation fault(1);
+    QDL_Contents(model, 1, stream);
+    EXPECT_TRUE(fault.fired());
+  }
+  EXPECT_EQ(read_file(path("report")).size(), 6U);
+  std::fclose(stream);
+  EXPECT_EQ(errors.size(), 1U);
+}
+
+TEST_F(Contents, NoModelNoStream) {
+  QDL_Contents(QDL_Create(1, 1), 1, nullptr);
+  EXPECT_EQ(errors, std::vector<std::string>{});
+  EXPECT_EQ(report(nullptr, 1), "");
+  EXPECT_EQ(errors, std::vector<std::string>{"The database has not been initialized."});
+}
+
+}  // namespace
