@@ -13,11 +13,12 @@ namespace {
 
 constexpr const char *kArea = "qdlcreate";
 
-/// The first model read from a file of exactly this name.
-QDL_Record *find_by_name(const char *name) {
+/// The first model read from a file of exactly this name, whole or as a surface mesh.
+QDL_Record *find_by_name(const char *name, bool surface_mesh) {
   const auto &models = open_models();
   const auto found = std::ranges::find_if(models, [&](const auto &model) {
-    return !model->surface_mesh && !model->file_name.empty() && model->file_name == name;
+    return model->surface_mesh == surface_mesh && !model->file_name.empty() &&
+           model->file_name == name;
   });
   return found == models.end() ? nullptr : found->get();
 }
@@ -30,6 +31,27 @@ auto find_handle(const QDL_Record *handle) {
 
 QDL_Record *append(std::unique_ptr<QDL_Record> record) {
   return open_models().emplace_back(std::move(record)).get();
+}
+
+/// The model of a file: one that is open already, else a new one.
+QDL_Record *open_model(const char *name, bool surface_mesh) {
+  if (name == nullptr)
+    return nullptr;
+  return guarded(kArea, static_cast<QDL_Record *>(nullptr), [&]() -> QDL_Record * {
+    if (QDL_Record *open = find_by_name(name, surface_mesh))
+      return open;
+    std::shared_ptr<File> file = File::open(name, "rb");
+    if (file == nullptr)
+      return nullptr;
+    auto record = std::make_unique<QDL_Record>();
+    if (!read_file(*record, std::move(file)))
+      return nullptr;
+    // Without memory for it the model stays whole, which has been reported.
+    if (surface_mesh)
+      QDL_RemoveInternalGeometry(record.get());
+    record->surface_mesh = surface_mesh;
+    return append(std::move(record));
+  });
 }
 
 /// Ends a model: its files are closed and its temporary ones removed.
@@ -51,21 +73,15 @@ QDL_Record *QDL_Create(int32_t plannedNodes, int32_t plannedModes) {
 }
 
 QDL_Record *QDL_CreateFromQDL(const char *fileName) {
-  if (fileName == nullptr)
-    return nullptr;
-  return guarded(kArea, static_cast<QDL_Record *>(nullptr), [&]() -> QDL_Record * {
-    if (QDL_Record *open = find_by_name(fileName))
-      return open;
-    std::shared_ptr<File> file = File::open(fileName, "rb");
-    if (file == nullptr)
-      return nullptr;
-    auto record = std::make_unique<QDL_Record>();
-    return read_file(*record, std::move(file)) ? append(std::move(record)) : nullptr;
-  });
+  return open_model(fileName, false);
+}
+
+QDL_Record *QDL_CreateFromQDL_SurfaceMesh(const char *fileName) {
+  return open_model(fileName, true);
 }
 
 QDL_Record *QDL_FindQDL(const char *fileName) {
-  return fileName == nullptr ? nullptr : find_by_name(fileName);
+  return fileName == nullptr ? nullptr : find_by_name(fileName, false);
 }
 
 int32_t QDL_IsValid(const QDL_Record *model) {

@@ -42,6 +42,30 @@ TEST_F(Lifecycle, AnotherSpellingOfTheNameIsAnotherModel) {
   EXPECT_NE(first, second);
 }
 
+TEST_F(Lifecycle, ASurfaceMeshIsAModelOfItsOwn) {
+  SampleModel sample = sample_model();
+  // The two faces in the middle go, and with them the node that nothing else uses.
+  sample.faces = {3, 0, 1, 2, 3, 2, 1, 0, 3, 0, 1, 3};
+  const std::string name = file("body.qdl", build_file(60, {1, 2, 3, 4, 14}, sample).bytes);
+  QDL_Record *surface = QDL_CreateFromQDL_SurfaceMesh(name.c_str());
+  ASSERT_NE(surface, nullptr);
+  EXPECT_EQ(QDL_CreateFromQDL_SurfaceMesh(name.c_str()), surface);
+  EXPECT_EQ(QDL_FindQDL(name.c_str()), nullptr);
+  EXPECT_EQ(QDL_NodeCount(surface), 3);
+  EXPECT_EQ(QDL_NodeIndex(surface, sample.nodes[2].id), -1);
+  std::int32_t list[4] = {};
+  std::int32_t length = 0;
+  QDL_FaceListSize(surface, nullptr, &length);
+  ASSERT_EQ(length, 4);
+  QDL_ElementFaces(surface, list);
+  EXPECT_EQ(QDL_NodeID(surface, list[1]), sample.nodes[3].id);
+
+  QDL_Record *whole = QDL_CreateFromQDL(name.c_str());
+  EXPECT_NE(whole, surface);
+  EXPECT_EQ(QDL_FindQDL(name.c_str()), whole);
+  EXPECT_EQ(QDL_NodeCount(whole), 4);
+}
+
 TEST_F(Lifecycle, NamesBeyondAscii) {
   const std::string name = sample("k\xC3\xB6rper \xE2\x88\x9A.qdl");
   EXPECT_NE(QDL_CreateFromQDL(name.c_str()), nullptr);
@@ -50,6 +74,7 @@ TEST_F(Lifecycle, NamesBeyondAscii) {
 TEST_F(Lifecycle, WhatCannotBeOpenedGivesNothingAndSaysNothing) {
   for (const char *name : {static_cast<const char *>(nullptr), "", "/nowhere/body.qdl"}) {
     EXPECT_EQ(QDL_CreateFromQDL(name), nullptr);
+    EXPECT_EQ(QDL_CreateFromQDL_SurfaceMesh(name), nullptr);
     EXPECT_EQ(QDL_FindQDL(name), nullptr);
   }
   expect_no_messages();
