@@ -77,7 +77,7 @@ bool solve_definite(ConstColumns k, ConstColumns m, Columns vectors,
     return false;
   for (std::size_t j = 0; j < n; ++j)
     solve_upper(l, a.column(j));
-  if (!std::ranges::all_of(reduced, [](double value) { return std::isfinite(value); }))
+  if (!is_finite(reduced))
     return false;
   std::ranges::copy(reduced, vectors.data);
   eigenvalues = std::move(values);

@@ -1,12 +1,11 @@
 #include "numerics/dense_product.h"
 
-#include <span>
-#include <vector>
+#include <algorithm>
+#include <cmath>
 
 #include "numerics/linear_combination.h"
 
 namespace qdlflex {
-namespace {
 
 std::vector<double> transposed(ConstColumns a) {
   std::vector<double> result(a.rows * a.columns);
@@ -16,7 +15,9 @@ std::vector<double> transposed(ConstColumns a) {
   return result;
 }
 
-}  // namespace
+bool is_finite(std::span<const double> values) {
+  return std::ranges::all_of(values, [](double value) { return std::isfinite(value); });
+}
 
 void multiply(ConstColumns a, ConstColumns b, Columns c) {
   LinearCombination(a.columns, b.columns, transposed(b)).apply(a.data, c.data, a.rows);

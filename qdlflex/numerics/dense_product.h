@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstddef>
+#include <span>
+#include <vector>
 
 namespace qdlflex {
 
@@ -22,6 +24,11 @@ struct ColumnsOf {
 
 using Columns = ColumnsOf<double>;
 using ConstColumns = ColumnsOf<const double>;
+
+/// The matrix row by row.
+std::vector<double> transposed(ConstColumns a);
+
+bool is_finite(std::span<const double> values);
 
 // Products of dense matrices. C must not overlap the factors.
 

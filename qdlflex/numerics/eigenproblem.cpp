@@ -9,6 +9,7 @@
 #include "numerics/definite_problem.h"
 #include "numerics/generalized_matrices.h"
 #include "numerics/gram_schmidt.h"
+#include "numerics/rigid_body_modes.h"
 #include "record/units.h"
 #include "support/messages.h"
 
@@ -29,10 +30,6 @@ bool is_diagonal(ConstColumns matrix) {
       if (matrix.column(j)[i] != 0.0)
         return false;
   return true;
-}
-
-bool is_finite(const std::vector<double> &values) {
-  return std::ranges::all_of(values, [](double value) { return std::isfinite(value); });
 }
 
 /// Of a diagonal pair the stages would only copy the diagonals.
@@ -163,9 +160,8 @@ EigenSolution solve_eigenproblem(const GeneralizedPair &pair) {
 }
 
 void report_eigenvalues(const std::vector<double> &eigenvalues, double unit_factor) {
-  constexpr std::size_t kRigidModes = 6;
-  const bool has_flexible = eigenvalues.size() > kRigidModes;
-  const double small = has_flexible ? eigenvalues[kRigidModes] / 1000.0 : 0.0;
+  const bool has_flexible = eigenvalues.size() > kRigidBodyAxes;
+  const double small = has_flexible ? eigenvalues[kRigidBodyAxes] / 1000.0 : 0.0;
   QDL_Info("%49s", "");
   QDL_Info("  Real Eigenvalues and Natural Frequencies [Hz] :");
   QDL_Info("  ===============================================");

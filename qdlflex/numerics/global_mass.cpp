@@ -1,6 +1,7 @@
 #include "numerics/global_mass.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 #include <qdlflex/qdlflex.h>
@@ -16,9 +17,10 @@ namespace {
 constexpr const char *kSetterArea = "qdlset";
 constexpr const char *kToolsArea = "qdltools";
 
+/// Zeros where the block of the record's file can't be read.
 template <class Values>
 Values invariant(QDL_Record &record, int number) {
-  Values values;
+  Values values{};
   std::ranges::copy(obtain_invariant(record, number).values, values.begin());
   return values;
 }
@@ -30,7 +32,7 @@ struct ImpliedMass {
   Matrix3 inertia;  // signs of the global mass properties
 
   explicit ImpliedMass(QDL_Record &record)
-      : mass(obtain_invariant(record, 1).values[0]),
+      : mass(invariant<std::array<double, 1>>(record, 1)[0]),
         first_moment(invariant<Vector3>(record, 2)),
         inertia(negate_products(invariant<Matrix3>(record, 7))) {}
 

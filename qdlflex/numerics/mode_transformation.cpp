@@ -9,7 +9,6 @@
 
 #include <qdlflex/qdlflex.h>
 
-#include "format/toc.h"
 #include "modes/mode_cache.h"
 #include "modes/mode_store.h"
 #include "numerics/linear_combination.h"
@@ -25,10 +24,6 @@ namespace {
 
 constexpr const char *kArea = "qdlwrite";
 constexpr std::array<int, 5> kModalInvariants = {3, 4, 5, 8, 9};
-
-void report_unextractable() {
-  QDL_Error("Failed to extract mode information for QDL.\n");
-}
 
 /// Old and new modes of a range of nodes that are in memory together.
 class Slab {
@@ -142,11 +137,6 @@ void add_scaled(double factor, std::span<const double> values, double *sums) {
     *sums++ += factor * value;
 }
 
-/// Whether a getter would read the block.
-bool is_still_in_file(const QDL_Record &record, Block block) {
-  return present(record, block) && in_file(record, block) && has_known_offset(record, block);
-}
-
 /// Rows of one value per mode, carried over to the new modes.
 std::vector<double> combine_columns(std::span<const double> rows, std::size_t columns,
                                     const Coefficients &coefficients) {
@@ -228,15 +218,7 @@ std::optional<ModeRewrite> combine_modes(QDL_Record &record, std::int32_t kind,
 }
 
 bool load_modal_invariants(QDL_Record &record) {
-  const bool complete = std::ranges::all_of(kModalInvariants, [&](int number) {
-    const bool loaded = load_invariant(record, number);
-    const InvariantSlot &slot = record.invariants[static_cast<std::size_t>(number)];
-    return loaded || slot.origin != Origin::kEmpty ||
-           !is_still_in_file(record, invariant_block(number));
-  });
-  if (!complete)
-    report_unextractable();
-  return complete;
+  return load_invariants(record, kModalInvariants);
 }
 
 bool combine_invariants(QDL_Record &record, std::int32_t new_modes,

@@ -1,9 +1,7 @@
 #include "numerics/new_modes.h"
 
 #include <algorithm>
-#include <cmath>
 #include <numeric>
-#include <span>
 #include <utility>
 
 #include <qdlflex/qdlflex.h>
@@ -30,14 +28,6 @@ std::vector<std::int32_t> numbered_from_one(std::size_t modes) {
   std::vector<std::int32_t> numbers(modes);
   std::iota(numbers.begin(), numbers.end(), 1);
   return numbers;
-}
-
-std::vector<double> transposed(ConstColumns columns) {
-  std::vector<double> rows(columns.rows * columns.columns);
-  for (std::size_t j = 0; j < columns.columns; ++j)
-    for (std::size_t i = 0; i < columns.rows; ++i)
-      rows[i * columns.columns + j] = columns.column(j)[i];
-  return rows;
 }
 
 /// t' K t of every vector.
@@ -71,10 +61,6 @@ std::vector<EigenEntry> solved_table(const GeneralizedPair &pair, EigenSolution 
                                 stiffnesses[k], unit_factor));
   }
   return table;
-}
-
-bool is_finite(std::span<const double> values) {
-  return std::ranges::all_of(values, [](double value) { return std::isfinite(value); });
 }
 
 }  // namespace

@@ -96,12 +96,11 @@ void adopt_forces(QDL_Record &record, Forces &forces) noexcept {
 
 /// On the principal axes the first six indices are those of the body, which has no scale.
 void scale_damping(QDL_Record &record, const std::vector<double> &scales,
-                   std::size_t rigid_modes) noexcept {
+                   std::int32_t rigid_modes) noexcept {
   constexpr auto kBodyAxes = static_cast<std::int32_t>(kRigidBodyAxes);
   const auto scale = [&](std::int32_t index) {
     if (record.damping_on_principal_axes)
-      index =
-          index < kBodyAxes ? kNoIndex : index - kBodyAxes + static_cast<std::int32_t>(rigid_modes);
+      index = index < kBodyAxes ? kNoIndex : index - kBodyAxes + rigid_modes;
     return index >= 0 && static_cast<std::size_t>(index) < scales.size()
                ? scales[static_cast<std::size_t>(index)]
                : 1.0;
@@ -151,8 +150,12 @@ std::optional<Carried> carry_over(QDL_Record &record, const NewModes &modes,
   Carried carried;
   carried.transformation = make_transformation(count, std::move(square));
   carried.forces = carry_all_forces(record, modes, rigid_modes, kept);
-  if (keeps_modes(modes, kept))
+  if (keeps_modes(modes, kept)) {
+    // The file has invariants of all modes: they can't be read once some are dropped.
+    if (kept != modes.modes && !load_modal_invariants(record))
+      return std::nullopt;
     return carried;
+  }
   const std::vector<double> shares = leading_shares(modes, kept);
   if (!combine_all_modes(record, count, shares, carried.rewrites))
     return std::nullopt;
@@ -175,21 +178,23 @@ void adopt_rewrites(QDL_Record &record, Rewrites &rewrites) noexcept {
 bool adopt(QDL_Record &record, NewModes modes) {
   const std::size_t kept = modes.finite();
   const auto count = static_cast<std::int32_t>(kept);
-  const std::int32_t rigid_modes = rigid_body_mode_count(modes.eigenvalues);
-  const auto rigid = static_cast<std::size_t>(rigid_modes);
-  std::optional<Carried> carried = carry_over(record, modes, rigid, kept);
+  // Damping that is on the principal axes already was put there with the present number.
+  const std::int32_t present_rigid_modes = rigid_body_mode_count(record);
+  const std::int32_t rigid_modes = rigid_body_mode_count(modes.eigenvalues, modes.modes);
+  std::optional<Carried> carried =
+      carry_over(record, modes, static_cast<std::size_t>(rigid_modes), kept);
   if (!carried)
     return false;
 
   if (kept != modes.modes)
-    change_mode_count(record, count, rigid_modes);
+    change_mode_count(record, count, present_rigid_modes);
   std::swap(record.transformation, carried->transformation);
   modes.eigenvalues.resize(std::min(kept, modes.eigenvalues.size()));
   record.eigenvalues.swap(modes.eigenvalues);
   modes.numbers.resize(kept);
   record.mode_numbers.swap(modes.numbers);
   adopt_forces(record, carried->forces);
-  scale_damping(record, modes.scales, rigid);
+  scale_damping(record, modes.scales, present_rigid_modes);
   record.stiffness.entries.clear();
   record.mass.entries.clear();
   adopt_rewrites(record, carried->rewrites);

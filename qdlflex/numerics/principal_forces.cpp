@@ -7,11 +7,13 @@
 #include <functional>
 #include <optional>
 #include <span>
+#include <utility>
 #include <vector>
 
 #include <qdlflex/qdlflex.h>
 
 #include "numerics/dense_algebra.h"
+#include "numerics/dense_product.h"
 #include "numerics/eigenvalue_lookup.h"
 #include "numerics/global_mass.h"
 #include "numerics/rigid_body_modes.h"
@@ -59,6 +61,13 @@ Matrix6 rigid_body_matrix(double mass, const Vector3 &s, const Matrix3 &inertia)
   return matrix;
 }
 
+/// None where a mode or the body is not finite.
+std::optional<UnitResultants> finite_only(UnitResultants resultants) {
+  if (!std::ranges::all_of(resultants, [](const Vector6 &six) { return is_finite(six); }))
+    return std::nullopt;
+  return resultants;
+}
+
 /// One over the generalized mass of each rigid mode; zero for a mode without a usable one, which
 /// then contributes nothing.
 std::vector<double> inverse_masses(const QDL_Record &record) {
@@ -82,7 +91,7 @@ std::optional<UnitResultants> mass_weighted_resultants(QDL_Record &record,
       return std::nullopt;
     resultants.push_back(scaled(mode->along_axes, inverse_mass));
   }
-  return resultants;
+  return finite_only(std::move(resultants));
 }
 
 // Without nodal masses a rigid mode's motion of the body is found first, by least squares over its
@@ -151,9 +160,8 @@ bool invert(Matrix6 &matrix) {
     return false;
   }
   invert_factorized(rows, permutation.data());
-  const bool finite = std::ranges::all_of(matrix, [](const Vector6 &row) {
-    return std::ranges::all_of(row, [](double value) { return std::isfinite(value); });
-  });
+  const bool finite =
+      std::ranges::all_of(matrix, [](const Vector6 &row) { return is_finite(row); });
   if (!finite)
     QDL_Error("Failed in invert matrix.\n");
   return finite;
@@ -189,7 +197,10 @@ std::optional<UnitResultants> simple_resultants(QDL_Record &record,
     const Vector6 motion = multiply(inverse, sums->of_modes[mode]);
     resultants.push_back(scaled(multiply(*body, motion), inverse_masses[mode]));
   }
-  return resultants;
+  auto finite = finite_only(std::move(resultants));
+  if (!finite)
+    QDL_Error("LU Decomposition failed.\n");
+  return finite;
 }
 
 std::optional<UnitResultants> unit_resultants(QDL_Record &record,
@@ -200,16 +211,20 @@ std::optional<UnitResultants> unit_resultants(QDL_Record &record,
                          : simple_resultants(record, inverse_masses);
 }
 
-/// A vector with entries for all modes.
-void convert(const UnitResultants &resultants, std::span<double> values) {
+/// A vector with entries for all modes. False, with the vector as it was, for a resultant that is
+/// not finite.
+bool convert(const UnitResultants &resultants, std::span<double> values) {
   Vector6 sum{};
   for (std::size_t mode = 0; mode < resultants.size(); ++mode) {
     for (std::size_t axis = 0; axis < sum.size(); ++axis)
       sum[axis] += values[mode] * resultants[mode][axis];
   }
+  if (!is_finite(sum))
+    return false;
   const std::size_t kept = std::min(sum.size(), values.size());
   std::transform(sum.begin(), sum.begin() + static_cast<std::ptrdiff_t>(kept), values.begin(),
                  significant);
+  return true;
 }
 
 bool is_pending(const ModalPreload &preload) {
@@ -260,8 +275,7 @@ void forces_on_principal_axes(QDL_Record &record) {
     resultants = unit_resultants(record, masses);
 
   ModalPreload &preload = record.preload;
-  if (resultants && is_pending(preload)) {
-    convert(*resultants, preload.values);
+  if (resultants && is_pending(preload) && convert(*resultants, preload.values)) {
     preload.processed = 1;
     warn_of_rigid_preload(preload, masses.size());
   }
@@ -269,10 +283,8 @@ void forces_on_principal_axes(QDL_Record &record) {
   if (!resultants)
     return;
   for (ModalLoadCase &load : record.modal_loads) {
-    if (is_pending(load)) {
-      convert(*resultants, load.values);
+    if (is_pending(load) && convert(*resultants, load.values))
       load.processed = 1;
-    }
   }
 }
 

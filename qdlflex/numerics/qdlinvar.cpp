@@ -27,6 +27,11 @@ InvariantSlot &slot_of(QDL_Record &record, int number) {
   return record.invariants[static_cast<std::size_t>(number)];
 }
 
+/// Whether a getter would read the block.
+bool is_still_in_file(const QDL_Record &record, Block block) {
+  return present(record, block) && in_file(record, block) && has_known_offset(record, block);
+}
+
 /// As many values as the present modes need, also where the block is laid out for another number
 /// of modes: those that the file is too short for are zero then. None when the block can't be read.
 std::optional<std::vector<double>> read_values(QDL_Record &record, int number) {
@@ -154,6 +159,24 @@ bool load_invariant(QDL_Record &record, int number) {
     slot = {Origin::kSupplied, mode_count(record), std::move(*values)};
   }
   return slot.origin == Origin::kSupplied;
+}
+
+void report_unextractable() {
+  QDL_Error("Failed to extract mode information for QDL.\n");
+}
+
+bool load_invariants(QDL_Record &record, std::span<const int> numbers) {
+  const bool complete = std::ranges::all_of(numbers, [&](int number) {
+    return load_invariant(record, number) || slot_of(record, number).origin != Origin::kEmpty ||
+           !is_still_in_file(record, invariant_block(number));
+  });
+  if (!complete)
+    report_unextractable();
+  return complete;
+}
+
+bool load_all_invariants(QDL_Record &record) {
+  return load_invariants(record, kFullNumbers);
 }
 
 const InvariantSlot &obtain_invariant(QDL_Record &record, int number) {

@@ -75,11 +75,12 @@ std::int32_t rigid_body_mode_count(const QDL_Record &record) {
   return count_rigid(frequencies_of(record));
 }
 
-std::int32_t rigid_body_mode_count(const std::vector<EigenEntry> &table) {
+std::int32_t rigid_body_mode_count(const std::vector<EigenEntry> &table, std::size_t modes) {
   Frequencies frequencies;
   frequencies.reserve(table.size());
   for (const EigenEntry &entry : table)
     frequencies.emplace_back(entry.frequency);
+  frequencies.resize(modes, 0.0);
   return count_rigid(frequencies);
 }
 

@@ -185,8 +185,7 @@ bool solve_symmetric(Columns a, double *eigenvalues) {
   std::vector<double> below(n);
   make_tridiagonal(a, eigenvalues, below.data());
   collect_reflections(a);
-  if (!iterate(a, eigenvalues, below.data()) ||
-      !std::all_of(eigenvalues, eigenvalues + n, [](double value) { return std::isfinite(value); }))
+  if (!iterate(a, eigenvalues, below.data()) || !is_finite({eigenvalues, n}))
     return false;
   sort(a, eigenvalues);
   return true;

@@ -208,6 +208,26 @@ TEST_F(OrthonormalCarry, LeavesOutDroppedModes) {
   EXPECT_EQ(record->transformation.dimension, 1);
 }
 
+// Nothing is combined then, but what the file lays out for all modes has to be read all the same.
+TEST_F(OrthonormalCarry, LeavesOutDroppedModesBehindUnchangedOnes) {
+  SampleModel sample = sample_model();
+  sample.stiffness.entries = {{1, 1, 100.0, 0}, {2, 2, 200.0, 0}};
+  sample.mass.entries = {{1, 1, 1.0, 0}};
+  const SampleFile unchanged = build_file(60, usual_blocks(60), sample);
+  const Contents before = contents_of(open(unchanged));
+  QDL_Record *record = open(unchanged);
+  ASSERT_EQ(QDL_OrthoNormalize(record), 1);
+  ASSERT_EQ(QDL_ModeCount(record), 1);
+  expect_carried(before, contents_of(record), {{1.0, 0.0}});
+  EXPECT_TRUE(errors.empty());
+
+  record = open(unchanged);
+  std::filesystem::resize_file(path("body.qdl"), unchanged.offset[26]);
+  EXPECT_EQ(QDL_OrthoNormalize(record), 0);
+  EXPECT_EQ(errors, std::vector<std::string>{"Failed to extract mode information for QDL.\n"});
+  EXPECT_EQ(QDL_ModeCount(record), 2);
+}
+
 TEST_F(OrthonormalCarry, FaultsLeaveTheRecordAsItWas) {
   const Contents before = contents_of(open_half_rigid());
   QDL_Record *record = open_half_rigid();

@@ -292,6 +292,36 @@ TEST_F(Orthonormalize, ScalesModesOfATableOnRequestOnly) {
   expect_only_warnings({});
 }
 
+// Coupled modes are none of them rigid, so that all have places behind the axes; the new modes
+// would count as rigid.
+TEST_F(Orthonormalize, DropsTheDampingOfDroppedModesFromThePrincipalAxes) {
+  QDL_Record *model =
+      body({Matrix::of_rows({{3, 1, 0}, {1, 2, 0}, {0, 0, 5}}), Matrix::diagonal({1.0, 1.0, 0.0})});
+  model->damping.entries = {{0, 6, 1.0}, {6, 6, 2.0}, {7, 7, 3.0}, {6, 8, 4.0}, {8, 8, 5.0}};
+  model->damping_on_principal_axes = true;
+  ASSERT_EQ(QDL_OrthoNormalize(model), 1);
+  ASSERT_EQ(QDL_ModeCount(model), 2);
+  Values left;
+  for (const auto &entry : model->damping.entries)
+    left.push_back(entry.value);
+  EXPECT_EQ(left, (Values{1.0, 2.0, 3.0}));
+}
+
+// The modes that a table lacks are rigid, as they are for QDL_RigidBodyModeCount(): four of the
+// first six, behind which a load is scaled.
+TEST_F(Orthonormalize, CountsModesThatTheTableLacks) {
+  constexpr std::size_t kModes = 8;
+  QDL_Record *model = body({Matrix(kModes), Matrix(kModes)});
+  for (const double frequency : {0.0, 0.0, 20.0, 30.0})
+    model->eigenvalues.push_back({.frequency = frequency, .generalized_mass = 4.0});
+  model->preload = {.values = Values(kModes, 1.0), .processed = 1, .present = true};
+  QDL_SetShouldMassNormalizeModes(model, 1);
+  ASSERT_EQ(QDL_RigidBodyModeCount(model), 4);
+  ASSERT_EQ(QDL_OrthoNormalize(model), 1);
+  EXPECT_EQ(model->preload.values, Values(kModes, 1.0));
+  EXPECT_EQ(transformation_of(model)(3, 3), 0.5);
+}
+
 // Without any matrix the masses are negligible.
 TEST_F(Orthonormalize, DropsModesWithoutMatrices) {
   QDL_Record *model = body({Matrix(2), Matrix(2)});

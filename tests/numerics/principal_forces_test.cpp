@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <string>
 
 #include "principal_axes_body.h"
@@ -219,6 +220,32 @@ TEST_F(PrincipalForces, AreLeftForLaterWhereTheyCannotBeFound) {
     EXPECT_EQ(load(model, 0), modal);
     EXPECT_EQ(QDL_ModalLoadProcessed(model, 0), 0);
     EXPECT_EQ(QDL_ModalPreloadProcessed(model), 0);
+  }
+  const double infinity = std::numeric_limits<double>::infinity();
+  for (const char *variable : {static_cast<const char *>(nullptr), "1"}) {
+    const ScopedEnvironment masses("ZEB_MFORCE_NO_FEA_MASS", variable);
+    for (const char *bad : {"mass", "mode", "load"}) {
+      SCOPED_TRACE(bad);
+      Body body = symmetric_body();
+      std::vector<Mode> modes = body.orthonormal_rigid_modes(true);
+      Values modal = {1, 2, 3, 4, 5, 6, 7, 8};
+      if (bad == std::string("mass"))
+        body.points[0].mass = infinity;
+      if (bad == std::string("mode"))
+        modes[2][1][0] = std::nan("");
+      if (bad == std::string("load"))
+        modal[2] = infinity;
+      QDL_Record *model = make(body, modes, kFreeFrequencies);
+      set_load(model, 0, modal);
+      QDL_RigidBodyForcesOnPrincipalAxes(model);
+      if (variable != nullptr && bad != std::string("load"))
+        expect_only_error("LU Decomposition failed.\n");
+      else
+        expect_no_messages();
+      clear_messages();
+      EXPECT_EQ(load(model, 0), modal);
+      EXPECT_EQ(QDL_ModalLoadProcessed(model, 0), 0);
+    }
   }
   const ScopedEnvironment used("ZEB_MFORCE_NO_FEA_MASS", nullptr);
   QDL_Record *model = make(symmetric_body(), {}, kFreeFrequencies);

@@ -265,6 +265,11 @@ TEST_F(RigidInvariants, OfABlockThatCannotBeReadAreNotReplaced) {
       std::filesystem::resize_file(path("body.qdl"),
                                    sample.offset[static_cast<std::size_t>(block)] + 3);
       EXPECT_TRUE(qdlflex::obtain_invariant(*model, number).values.empty());
+      // Nothing behind the cut can be read: the global mass properties are zero there.
+      const GlobalMass global = total(model);
+      EXPECT_EQ(global.mass == 0.0, number == 1);
+      EXPECT_EQ(global.centre == Values(3), number == 1);
+      EXPECT_EQ(global.inertia == Values(9), number != 9);
       clear_messages();
       EXPECT_EQ(QDL_write_QDL(model, path("copy.qdl").c_str()), 0);
       EXPECT_FALSE(std::filesystem::exists(path("copy.qdl")));

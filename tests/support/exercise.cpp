@@ -86,6 +86,16 @@ void ask_modes(QDL_Record *record) {
   QDL_Transformation(record, matrix.data());
 }
 
+void ask_invariants(QDL_Record *record) {
+  const std::int32_t last = QDL_ModeCount(record) - 1;
+  QDL_Invar1(record);
+  for (double *values :
+       {QDL_Invar2(record), QDL_Invar3(record), QDL_Invar4(record), QDL_Invar6(record),
+        QDL_Invar7(record), QDL_Invar5(record, 0), QDL_Invar8(record, 0), QDL_Invar9(record, 0, 0),
+        QDL_Invar5(record, last), QDL_Invar8(record, last), QDL_Invar9(record, last, 0)})
+    QDL_FreeMemory(values);
+}
+
 void ask_loads(QDL_Record *record) {
   std::int32_t count = 0;
   std::array<char, 256> label{};
@@ -164,6 +174,7 @@ void exercise(QDL_Record *record) {
   ask_frame(record);
   ask_nodes(record);
   ask_modes(record);
+  ask_invariants(record);
   ask_loads(record);
   ask_monitor_points(record);
   ask_matrix_operators(record);
