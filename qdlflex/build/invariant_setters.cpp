@@ -37,7 +37,8 @@ class EditedInvariant {
         number_(number),
         slot_(record.invariants[static_cast<std::size_t>(number)]),
         shape_(invariant_shape(number, mode_count(record))) {
-    if (slot_.origin == Origin::kEmpty && in_file(record, invariant_block(number)))
+    const Block block = invariant_block(number);
+    if (slot_.origin == Origin::kEmpty && present(record, block) && in_file(record, block))
       obtain_invariant(record, number);
     lay_out_invariant(record, number, mode_count(record));
   }

@@ -3,7 +3,7 @@
 #include <qdlflex/qdlflex.h>
 #include <qdlflex/free_edges.hpp>
 
-#include "geometry/strip_faces.h"
+#include "geometry/prune.h"
 #include "record/faces.h"
 #include "support/boundary.h"
 #include "support/item_at.h"
@@ -41,10 +41,6 @@ void find_free_edges(QDL_Record &record) {
       ids.push_back(node_id(record, key));
   }
   record.free_edges = std::move(chains);
-}
-
-bool remove_internal_geometry(QDL_Record &record) {
-  return strip_common_faces(record);
 }
 
 /// Nothing is reported but what removing the internal geometry has to say.

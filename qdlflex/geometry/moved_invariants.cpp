@@ -1,6 +1,7 @@
 #include "geometry/moved_invariants.h"
 
 #include <algorithm>
+#include <cmath>
 #include <initializer_list>
 #include <span>
 
@@ -158,23 +159,24 @@ void report_impossible(int number) {
   }
 }
 
+/// Whether the masses of the nodes are all of the body's. A writer discards nodes, but a file's
+/// invariants are still those of the whole body, and a setter's may count what no node carries:
+/// sums over the nodes would not match invariant 1 then.
+bool nodes_make_up_body(const QDL_Record &record) {
+  constexpr double kTolerance = 1e-9;
+  if (!present(record, Block::kNodalMasses) || record.mass_pruned)
+    return false;
+  if (record.invariants[1].origin != Origin::kSupplied)
+    return true;
+  const double mass = record.invariants[1].values[0];
+  const double sum = derive_rigid_invariant(record, 1).front();
+  return std::fabs(sum - mass) <= kTolerance * std::fabs(mass);
+}
+
 /// Those that depend on the place of the body.
 constexpr auto kPlaced = {2, 4, 7, 8};
 
 }  // namespace
-
-bool load_invariants(QDL_Record &record) {
-  for (int number = 1; number <= kLastInvariant; ++number) {
-    if (number == 6)
-      continue;
-    const bool loaded = load_invariant(record, number);
-    const bool derived = slot_of(record, number).origin == Origin::kDerived;
-    const Block block = invariant_block(number);
-    if (!loaded && !derived && present(record, block) && in_file(record, block))
-      return false;
-  }
-  return true;
-}
 
 void turn_invariants(QDL_Record &record, const Matrix3 &matrix) noexcept {
   const double axial_sign = is_mirror(matrix) ? -1.0 : 1.0;
@@ -196,8 +198,8 @@ void InvariantShift::choose(const QDL_Record &record, int number) {
   const bool derived =
       record.invariants[static_cast<std::size_t>(number)].origin == Origin::kDerived;
   const bool nodal = present(record, Block::kNodalMasses);
-  // Sums over the nodes that pruning has left would miss the mass of the others.
-  const bool summable = nodal && !record.mass_pruned;
+  // What was derived is a sum over the present nodes unless some have been discarded since.
+  const bool summable = nodal && (derived ? !record.mass_pruned : nodes_make_up_body_);
   switch (number) {
     case 2:
     case 7:
@@ -223,10 +225,13 @@ void InvariantShift::choose_held(const QDL_Record &record) {
 }
 
 bool InvariantShift::prepare(QDL_Record &record, const Vector3 &offset) {
+  nodes_make_up_body_ = nodes_make_up_body(record);
   // What is derived further down follows too, but is nothing that the record is known to hold.
   choose_held(record);
-  for (const int number : {1, 2, 7})
-    obtain_invariant(record, number);
+  for (const int number : {1, 2, 7}) {
+    if (obtain_invariant(record, number).values.empty())
+      return false;
+  }
   if (update(4) == Update::kFormula || update(8) == Update::kFormula) {
     if (obtain_invariant(record, 3).values.empty() && mode_count(record) > 0)
       return false;
@@ -265,11 +270,17 @@ bool InvariantShift::finish(QDL_Record &record, const Vector3 &offset) noexcept 
           std::ranges::copy(inertia_about_origin(record), slot_of(record, 7).values.begin());
         break;
       case Update::kImpossible:
-        report_impossible(number);
         complete = false;
     }
   }
   return complete;
+}
+
+void InvariantShift::report_left_behind() const {
+  for (const int number : kPlaced) {
+    if (updates_[static_cast<std::size_t>(number)] == Update::kImpossible)
+      report_impossible(number);
+  }
 }
 
 }  // namespace qdlflex

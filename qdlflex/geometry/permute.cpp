@@ -110,6 +110,7 @@ void prepare_for_new_masses(QDL_Record &record) {
   lower(record, Block::kNodalMasses);
   lower(record, Block::kNodalInertias);
   drop_derived_invariants(record, {1, 2, 3, 4, 5, 7, 8, 9});
+  record.mass_pruned = false;
   // A channel that backs data still has to be read as it was written.
   Channel &channel = mode_data(record, kModeShapes).backing.channel;
   if (channel.file == nullptr)

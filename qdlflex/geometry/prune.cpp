@@ -17,6 +17,7 @@
 #include "modes/mode_cache.h"
 #include "record/derived.h"
 #include "record/faces.h"
+#include "record/foreign_nodes.h"
 #include "record/lookups.h"
 #include "support/boundary.h"
 #include "support/messages.h"
@@ -25,8 +26,6 @@ namespace qdlflex {
 namespace {
 
 constexpr const char *kArea = "qdlwrite";
-/// Maxima in the statistics whose node is known.
-constexpr std::size_t kSearchedStatistics = 4;
 
 std::vector<std::int32_t> positions_after(const QDL_Record &record,
                                           std::span<const std::int32_t> kept) {
@@ -37,7 +36,8 @@ std::vector<std::int32_t> positions_after(const QDL_Record &record,
   return positions;
 }
 
-/// Identifiers among the nodes of the maxima that no node will have any more.
+/// Identifiers among those of the maxima that nothing will have any more. Slots of stress and
+/// strain whose node is unknown go as well.
 std::unordered_set<std::int32_t> vanishing_maxima(const QDL_Record &record,
                                                   std::span<const std::int32_t> positions) {
   std::unordered_set<std::int32_t> maxima;
@@ -49,6 +49,7 @@ std::unordered_set<std::int32_t> vanishing_maxima(const QDL_Record &record,
     if (positions[node] == kNoIndex && maxima.contains(id))
       vanishing.insert(id);
   }
+  for_each_foreign_id(record, [&](std::int32_t id) { vanishing.insert(id); });
   return vanishing;
 }
 
@@ -117,8 +118,8 @@ void keep_nodes(QDL_Record &record, std::span<const std::int32_t> kept) {
   std::vector<bool> &marks = record.is_interface_node;
   for (const std::int32_t node : kept) {
     const auto before = static_cast<std::size_t>(node);
-    if (before < marks.size())
-      marks[place] = marks[before];
+    if (place < marks.size())
+      marks[place] = before < marks.size() && marks[before];
     if (before != place)
       record.nodes[place] = std::move(record.nodes[before]);
     ++place;
@@ -171,7 +172,9 @@ bool discard_unreferenced_nodes(QDL_Record &record) {
   forget_free_edges(record);
   note_nodes_moved(record);
   for (PrunedModes &kind : modes)
-    kind.adopt(record);
+    kind.adopt_values(record);
+  for (PrunedModes &kind : modes)
+    kind.adopt_nodes(record);
   note_mode_layout_changed(record);
   std::iota(kept.begin(), kept.end(), 0);
   record.geometry_nodes = std::move(kept);

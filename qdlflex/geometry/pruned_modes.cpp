@@ -185,7 +185,7 @@ bool PrunedModes::rewrite(QDL_Record &record) {
   return values_->finish();
 }
 
-void PrunedModes::adopt(QDL_Record &record) noexcept {
+void PrunedModes::adopt_values(QDL_Record &record) noexcept {
   if (values_) {
     values_->adopt(record);
     const std::string &name = mode_data(record, kind_).backing.channel.file->name();
@@ -193,13 +193,14 @@ void PrunedModes::adopt(QDL_Record &record) noexcept {
   }
   if (lost_)
     mode_data(record, kind_).backing = Backing{};
-  if (kind_ != kModeShapes)
-    adopt_node_set(record);
-  else if (record.mode_node_limit)
-    record.mode_node_limit = static_cast<std::int32_t>(rows_.size());
 }
 
-void PrunedModes::adopt_node_set(QDL_Record &record) noexcept {
+void PrunedModes::adopt_nodes(QDL_Record &record) noexcept {
+  if (kind_ == kModeShapes) {
+    if (record.mode_node_limit)
+      record.mode_node_limit = static_cast<std::int32_t>(rows_.size());
+    return;
+  }
   NodeSet &set = mode_data(record, kind_).nodes;
   if (set.node_of_slot.empty())
     return;

@@ -21,7 +21,10 @@ class PrunedModes {
   /// Leaves the mode shapes without values: for those that could not be rewritten.
   static PrunedModes without_values(QDL_Record &record, std::span<const std::int32_t> kept);
 
-  void adopt(QDL_Record &record) noexcept;
+  /// Takes the new values over and tells their file's name.
+  void adopt_values(QDL_Record &record) noexcept;
+  /// Takes the nodes over that the values belong to, with a warning where none is left.
+  void adopt_nodes(QDL_Record &record) noexcept;
 
  private:
   explicit PrunedModes(std::int32_t kind) : kind_(kind) {}
@@ -29,7 +32,6 @@ class PrunedModes {
   void choose_rows(const QDL_Record &record, std::span<const std::int32_t> kept);
   void choose_pre_vectors(const std::vector<Vector6> &vectors);
   bool rewrite(QDL_Record &record);
-  void adopt_node_set(QDL_Record &record) noexcept;
 
   std::int32_t kind_;
   std::vector<std::int32_t> rows_;  // present position of each row that stays

@@ -24,10 +24,7 @@ class NumberReader {
     const std::string_view number = take([this] { skip_real(); });
     double value = 0.0;
     const auto read = std::from_chars(number.data(), number.data() + number.size(), value);
-    if (read.ec != std::errc::result_out_of_range)
-      return value;
-    const bool tiny = number.find("e-") != number.npos || number.find("E-") != number.npos;
-    return tiny ? 0.0 : std::copysign(HUGE_VAL, number.starts_with('-') ? -1.0 : 1.0);
+    return read.ec == std::errc::result_out_of_range ? beyond_range(number) : value;
   }
 
   /// None where no number stands. What 64 bits cannot hold becomes their limit.
@@ -41,6 +38,22 @@ class NumberReader {
   }
 
  private:
+  /// Zero or infinity, by the place of the first digit that counts.
+  static double beyond_range(std::string_view number) {
+    const std::string_view mantissa = number.substr(0, number.find_first_of("eE"));
+    const auto point = static_cast<double>(std::min(mantissa.find('.'), mantissa.size()));
+    const auto leading = static_cast<double>(mantissa.find_first_of("123456789"));
+
+    std::string_view power = number.substr(std::min(mantissa.size() + 1, number.size()));
+    const bool is_root = power.starts_with('-');
+    power.remove_prefix(is_root ? 1 : 0);
+    const auto exponent = static_cast<double>(NumberReader(power).integer().value_or(0));
+
+    const double places = point - leading + (is_root ? -exponent : exponent);
+    const double magnitude = places > 0.0 ? HUGE_VAL : 0.0;
+    return number.starts_with('-') ? -magnitude : magnitude;
+  }
+
   bool skip_one_of(std::string_view characters) {
     const bool found = !rest_.empty() && characters.find(rest_.front()) != characters.npos;
     if (found)

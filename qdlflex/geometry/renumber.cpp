@@ -3,10 +3,12 @@
 #include <algorithm>
 #include <cstdint>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "geometry/identifier_table.h"
 #include "record/derived.h"
+#include "record/foreign_nodes.h"
 #include "record/lookups.h"
 #include "support/boundary.h"
 #include "support/messages.h"
@@ -15,8 +17,6 @@ namespace qdlflex {
 namespace {
 
 constexpr const char *kArea = "qdlmod";
-/// Slots of the statistics whose node the library looks for; what stands in others is the file's.
-constexpr std::size_t kSearchedStatistics = 4;
 
 bool fits(std::int64_t id, std::int64_t least) {
   return id >= least && id <= INT32_MAX;
@@ -25,13 +25,10 @@ bool fits(std::int64_t id, std::int64_t least) {
 /// Identifiers in mode data that no node has are moved too: otherwise a node could get one.
 bool can_add(const QDL_Record &record, std::int32_t offset) {
   const auto node_fits = [&](const Node &node) { return fits(std::int64_t{node.id} + offset, 1); };
-  const auto foreign_fits = [&](std::int32_t id) {
-    return fits(std::int64_t{id} + offset, INT32_MIN);
-  };
-  return std::ranges::all_of(record.nodes, node_fits) &&
-         std::ranges::all_of(record.mode_data, [&](const ModeData &data) {
-           return std::ranges::all_of(data.nodes.foreign_ids, foreign_fits);
-         });
+  bool foreign_fit = true;
+  for_each_foreign_id(
+      record, [&](std::int32_t id) { foreign_fit &= fits(std::int64_t{id} + offset, INT32_MIN); });
+  return foreign_fit && std::ranges::all_of(record.nodes, node_fits);
 }
 
 using FirstIndex = std::unordered_map<std::int32_t, std::int32_t>;
@@ -45,50 +42,65 @@ FirstIndex with_offset(const FirstIndex &table, std::int32_t offset) {
   return moved;
 }
 
+/// Calls visit(identifier) for every maximum in the statistics that has been found.
+template <class Visit>
+void for_each_maximum(StatisticsTable &statistics, Visit visit) {
+  for (ModalStatistics &mode : statistics.modes) {
+    for (std::size_t slot = 0; slot < kSearchedStatistics; ++slot) {
+      if (mode.node_ids[slot] != 0)
+        visit(mode.node_ids[slot]);
+    }
+  }
+}
+
+/// The identifiers of those maxima that are at a node of the body or of its mode data.
+std::vector<std::int32_t *> located_maxima(QDL_Record &record) {
+  std::unordered_set<std::int32_t> foreign;
+  for_each_foreign_id(record, [&](std::int32_t id) { foreign.insert(id); });
+  std::vector<std::int32_t *> located;
+  for_each_maximum(record.statistics, [&](std::int32_t &id) {
+    if (foreign.contains(id) || find_node(record, id) != kNoIndex)
+      located.push_back(&id);
+  });
+  return located;
+}
+
 /// A maximum in the statistics whose identifier is that of a node.
 struct NodeOfMaximum {
   std::int32_t *id;
   std::int32_t node;
 };
 
-template <class Find>
-std::vector<NodeOfMaximum> nodes_of_maxima(StatisticsTable &statistics, Find find) {
+std::vector<NodeOfMaximum> nodes_of_maxima(StatisticsTable &statistics,
+                                           const IdentifierTable &table) {
   std::vector<NodeOfMaximum> found;
-  for (ModalStatistics &mode : statistics.modes) {
-    for (std::size_t slot = 0; slot < kSearchedStatistics; ++slot) {
-      std::int32_t &id = mode.node_ids[slot];
-      const std::int32_t node = id == 0 ? kNoIndex : find(id);
-      if (node != kNoIndex)
-        found.push_back({&id, node});
-    }
-  }
+  for_each_maximum(statistics, [&](std::int32_t &id) {
+    const std::int32_t node = table.first_node(id);
+    if (node != kNoIndex)
+      found.push_back({&id, node});
+  });
   return found;
 }
 
 bool add_to_identifiers(QDL_Record &record, std::int32_t offset) {
   if (!can_add(record, offset))
     return false;
-  const auto maxima =
-      nodes_of_maxima(record.statistics, [&](std::int32_t id) { return find_node(record, id); });
+  const std::vector<std::int32_t *> maxima = located_maxima(record);
   FirstIndex moved = with_offset(record.node_lookup.first_index, offset);
 
-  for (const NodeOfMaximum &maximum : maxima)
-    *maximum.id += offset;
+  for (std::int32_t *const maximum : maxima)
+    *maximum += offset;
   record.node_lookup.first_index.swap(moved);
   for (Node &node : record.nodes)
     node.id += offset;
-  for (ModeData &data : record.mode_data) {
-    for (std::int32_t &id : data.nodes.foreign_ids)
-      id += offset;
-  }
+  for_each_foreign_id(record, [&](std::int32_t &id) { id += offset; });
   forget_free_edges(record);
   return true;
 }
 
 void renumber_interface_nodes(QDL_Record &record, const std::int32_t *ids, std::size_t count) {
   IdentifierTable table(record.nodes);
-  const auto maxima =
-      nodes_of_maxima(record.statistics, [&](std::int32_t id) { return table.first_node(id); });
+  const std::vector<NodeOfMaximum> maxima = nodes_of_maxima(record.statistics, table);
   for (std::size_t i = 0; i < count; ++i) {
     const std::int32_t node = record.interface_nodes[i];
     const std::int32_t id = ids[i];

@@ -7,6 +7,7 @@
 #include "geometry/moved_invariants.h"
 #include "geometry/turned_modes.h"
 #include "numerics/global_mass.h"
+#include "numerics/qdlinvar.h"
 #include "numerics/rigid_invariants.h"
 #include "record/derived.h"
 
@@ -19,6 +20,7 @@ void turn_nodes(QDL_Record &record, const Matrix3 &matrix) {
     if (node.inertia != nullptr)
       turn_symmetric(matrix, *node.inertia);
   }
+  note_nodes_moved(record);
 }
 
 /// The products of inertia are no components of a tensor before their signs are changed.
@@ -39,12 +41,6 @@ void adopt_turned_modes(QDL_Record &record, const Matrix3 &matrix,
     turn_row(kModalStress, matrix, stress.data());
   for (Vector6 &strain : record.pre_strain)
     turn_row(kModalStrain, matrix, strain.data());
-  // Rounding may make another node the one with the maximum.
-  for (std::int32_t kind = 0; kind < kModeKinds; ++kind) {
-    for (std::int32_t mode = 0; present(record, mode_block(kind)) && mode < mode_count(record);
-         ++mode)
-      forget_statistics(record, kind, mode);
-  }
 }
 
 /// The parallel-axis rule, with products of inertia positive.
@@ -64,13 +60,6 @@ void move_global_mass(GlobalMass &global, const Vector3 &offset) {
   }
 }
 
-void move_nodes(QDL_Record &record, const Vector3 &offset) {
-  for (Node &node : record.nodes) {
-    for (std::size_t c = 0; c < 3; ++c)
-      node.xyz[c] += offset[c];
-  }
-}
-
 /// The offset in the frame that the body has before it is turned.
 Vector3 offset_before_turning(const RigidMotion &motion) {
   Vector3 offset = *motion.offset;
@@ -81,10 +70,18 @@ Vector3 offset_before_turning(const RigidMotion &motion) {
 
 }  // namespace
 
+void move_nodes(QDL_Record &record, const Vector3 &offset) noexcept {
+  for (Node &node : record.nodes) {
+    for (std::size_t c = 0; c < 3; ++c)
+      node.xyz[c] += offset[c];
+  }
+  note_nodes_moved(record);
+}
+
 bool move_body(QDL_Record &record, const RigidMotion &motion) {
   InvariantShift shift;
   std::vector<ModeRewrite> modes;
-  if (!load_invariants(record))
+  if (!load_all_invariants(record))
     return false;
   if (motion.offset && !shift.prepare(record, offset_before_turning(motion)))
     return false;
@@ -103,13 +100,15 @@ bool move_body(QDL_Record &record, const RigidMotion &motion) {
     turn_invariants(record, *motion.matrix);
     adopt_turned_modes(record, *motion.matrix, modes);
   }
-  note_nodes_moved(record);
   if (!motion.offset)
     return true;
   update_global_mass(record);
   move_global_mass(record.global_mass, *motion.offset);
   move_nodes(record, *motion.offset);
-  return shift.finish(record, *motion.offset);
+  if (shift.finish(record, *motion.offset))
+    return true;
+  shift.report_left_behind();
+  return false;
 }
 
 }  // namespace qdlflex

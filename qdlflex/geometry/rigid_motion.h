@@ -17,4 +17,7 @@ struct RigidMotion {
 /// but with the body moved, when an invariant that was supplied can't follow the offset: reported.
 bool move_body(QDL_Record &record, const RigidMotion &motion);
 
+/// Moves the nodes alone.
+void move_nodes(QDL_Record &record, const Vector3 &offset) noexcept;
+
 }  // namespace qdlflex

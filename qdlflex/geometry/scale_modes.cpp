@@ -4,6 +4,7 @@
 
 #include <qdlflex/qdlflex.h>
 
+#include "geometry/stored_modes.h"
 #include "modes/mode_cache.h"
 #include "modes/mode_rewrite.h"
 #include "modes/mode_store.h"
@@ -63,8 +64,7 @@ void scale_pre_vectors(QDL_Record &record, std::int32_t kind, double factor) {
 
 bool scale_modes(QDL_Record &record, std::int32_t kind, double factor) {
   const ModesNotKept not_kept(record);
-  const auto stored = static_cast<std::int32_t>(mode_data(record, kind).backing.starts.size());
-  const std::int32_t modes = std::min(mode_count(record), stored);
+  const std::int32_t modes = stored_mode_count(record, kind);
   std::optional<ModeRewrite> scaled = ModeRewrite::begin(
       record, kind, modes, mode_node_count(record, kind), ModeRewrite::Measure::kCurrentUnits, "");
   if (!scaled)

@@ -1,65 +1,78 @@
+#include <algorithm>
+#include <cmath>
 #include <vector>
 
 #include <qdlflex/qdlflex.h>
 
+#include "geometry/matrix3.h"
+#include "geometry/moved_invariants.h"
+#include "geometry/rigid_motion.h"
+#include "numerics/qdlinvar.h"
 #include "numerics/rigid_body_modes.h"
-#include "record/derived.h"
+#include "numerics/rigid_invariants.h"
 #include "support/boundary.h"
+#include "support/messages.h"
 
 namespace qdlflex {
 namespace {
 
 constexpr const char *kArea = "qdlwrite";
-constexpr std::size_t kRigidModes = 6;
 
-struct MassCentre {
+/// Not finite where there is no mass, or none that makes sense.
+Vector3 centre_of_nodal_masses(const QDL_Record &record) {
   double mass = 0.0;
-  Vector3 place{};
-};
-
-MassCentre centre_of_nodal_masses(const QDL_Record &record) {
-  MassCentre centre;
-  for (const Node &node : record.nodes) {
-    centre.mass += node.mass;
-    for (std::size_t c = 0; c < 3; ++c)
-      centre.place[c] += node.mass * node.xyz[c];
-  }
-  for (double &component : centre.place)
-    component /= centre.mass;
+  for (const Node &node : record.nodes)
+    mass += node.mass;
+  Vector3 centre = first_moment(record);
+  for (double &component : centre)
+    component = mass == 0.0 ? NAN : component / mass;
   return centre;
 }
 
-/// A force and moment about the old origin, taken about the new one.
-void carry_moment(std::vector<double> &values, const Vector3 &c) {
-  if (values.size() < kRigidModes)
-    return;
-  const double *force = values.data();
-  double *moment = values.data() + 3;
-  moment[0] -= c[1] * force[2] - c[2] * force[1];
-  moment[1] -= c[2] * force[0] - c[0] * force[2];
-  moment[2] -= c[0] * force[1] - c[1] * force[0];
+bool is_finite(const Vector3 &vector) {
+  return std::ranges::all_of(vector, [](double component) { return std::isfinite(component); });
 }
 
-void shift_frame(QDL_Record &record) {
-  const MassCentre centre = centre_of_nodal_masses(record);
-  if (centre.mass == 0.0)
+/// A force and moment about the old origin, taken about the new one.
+void carry_moment(std::vector<double> &values, const Vector3 &origin) {
+  if (values.size() < kRigidBodyAxes)
     return;
-  const Vector3 &c = centre.place;
-  for (Node &node : record.nodes) {
-    for (std::size_t i = 0; i < 3; ++i)
-      node.xyz[i] -= c[i];
-  }
-  note_nodes_moved(record);
-  drop_derived_invariants(record, {2, 4, 7, 8});
-  QDL_Info("Shifting LBRF to CM at (%.3e,%.3e,%.3e)\n", c[0], c[1], c[2]);
+  const Vector3 change = cross(origin, {values[0], values[1], values[2]});
+  for (std::size_t c = 0; c < 3; ++c)
+    values[3 + c] -= change[c];
+}
+
+/// False, with the record unchanged, when its invariants can't be obtained.
+bool shift_frame(QDL_Record &record) {
+  const Vector3 centre = centre_of_nodal_masses(record);
+  if (!is_finite(centre))
+    return true;
+  const Vector3 offset = {-centre[0], -centre[1], -centre[2]};
+  const bool carries_moments =
+      rigid_body_mode_count(record) == static_cast<std::int32_t>(kRigidBodyAxes);
+  if (!load_all_invariants(record))
+    return false;
+  // With it, invariant 8 can follow.
+  if (record.invariants[8].origin != Origin::kEmpty && present(record, Block::kNodalMasses))
+    obtain_invariant(record, 3);
+  InvariantShift shift;
+  if (!shift.prepare(record, offset))
+    return false;
+
+  // Nothing fails from here on.
+  move_nodes(record, offset);
+  shift.install(record);
+  // The shift has never minded an invariant that stays behind.
+  shift.finish(record, offset);
+  QDL_Info("Shifting LBRF to CM at (%.3e,%.3e,%.3e)\n", centre[0], centre[1], centre[2]);
   // The other two have always been left alone.
   record.global_mass.centre[0] = 0.0;
-
-  if (rigid_body_mode_count(record) != static_cast<std::int32_t>(kRigidModes))
-    return;
-  carry_moment(record.preload.values, c);
-  for (ModalLoadCase &load : record.modal_loads)
-    carry_moment(load.values, c);
+  if (carries_moments) {
+    carry_moment(record.preload.values, centre);
+    for (ModalLoadCase &load : record.modal_loads)
+      carry_moment(load.values, centre);
+  }
+  return true;
 }
 
 }  // namespace
@@ -68,8 +81,5 @@ void shift_frame(QDL_Record &record) {
 using namespace qdlflex;
 
 int32_t QDL_ShiftLBRFtoCM(QDL_Record *model) {
-  return with_model(model, kArea, 0, [](QDL_Record &record) {
-    shift_frame(record);
-    return 1;
-  });
+  return with_model(model, kArea, 0, shift_frame);
 }

@@ -170,6 +170,8 @@ struct NodalLoadCase {
 };
 
 constexpr std::size_t kStatisticSlots = 13;
+/// Slots whose node the library looks for; what stands in the others is the file's.
+constexpr std::size_t kSearchedStatistics = 4;
 
 /// Per mode: displacement, rotation, von Mises stress, von Mises strain in slots 0 to 3. Node
 /// identifier 0: not known yet.

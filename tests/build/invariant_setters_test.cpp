@@ -258,6 +258,14 @@ TEST_F(InvariantSetters, TheFirstValueOfAReadModelKeepsTheFilesOthers) {
   expect_no_messages();
 }
 
+TEST_F(InvariantSetters, TheFirstValueLeavesADisownedBlockOfTheFileAlone) {
+  const std::string name = file("body.qdl", qdltest::build_file(60).bytes);
+  QDL_Record *model = QDL_CreateFromQDL(name.c_str());
+  ASSERT_EQ(QDL_PermuteQDL(model, nullptr, 2, 1.0, nullptr, nullptr), 1);
+  EXPECT_EQ(QDL_SetInvar3(model, 9, kVector), 1);
+  EXPECT_EQ(values(model, 3), (Numbers{0, 1.5, 0, 2.5, 0, 3.5}));
+}
+
 TEST_F(InvariantSetters, ModesAddedLaterHaveZeros) {
   QDL_Record *model = model_with_modes(1);
   QDL_SetInvar3(model, 10, kVector);

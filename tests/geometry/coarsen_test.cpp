@@ -233,6 +233,9 @@ TEST_F(Coarsen, ReadsItsArguments) {
     std::string start;
     Texts preserved = {" NONE"};
   };
+  const std::string zeros(400, '0');
+  const std::string none = "0." + zeros + "1,-1e+99999999999999999999";
+  const std::string many = "1" + zeros + "e-5,-1e-99999999999999999999";
   const Case cases[] = {
       {"", {resolution("0.000000"), angle("0.000000")}, usual},
       {"0.7,60,0", {resolution("70.000000"), angle("60.000000")}, usual},
@@ -246,6 +249,8 @@ TEST_F(Coarsen, ReadsItsArguments) {
       {"0.1e,5,1", {angle("0.000000")}, start("10%% with face-angle 10.00") + colinear, {"1 "}},
       {"inf,nan,1", {resolution("0.000000"), angle("0.000000")}, usual},
       {"1e999,1e-999", {resolution("inf"), angle("0.000000")}, usual},
+      {none.c_str(), {resolution("0.000000"), angle("-inf")}, usual},
+      {many.c_str(), {resolution("inf"), angle("-0.000000")}, usual},
       // Identifiers, up to 0 or the first text that is none.
       {"0.1,5,0,21,11", {}, start("10%% with face-angle  5.00"), {"21 ", "11 "}},
       {"0.1,5,0,99999999999,4294967307,11,0,21", {}, start("10%% with face-angle  5.00"), {"11 "}},

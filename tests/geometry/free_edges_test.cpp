@@ -69,6 +69,16 @@ TEST_F(FreeEdges, AreChainsOfIdentifiers) {
   expect_no_messages();
 }
 
+TEST_F(FreeEdges, AreThoseOfTheSurfaceAlone) {
+  Faces faces = kTwoTriangles;
+  faces.push_back({1, 3, 4});  // between two elements, with a node that nothing else uses
+  faces.push_back({4, 3, 1});
+  QDL_Record *model = make_model(5, faces);
+  model->interior_faces_stripped = false;
+  EXPECT_EQ(chains_of(model), chains_of(make_model(4, kTwoTriangles)));
+  EXPECT_EQ(QDL_NodeCount(model), 4);
+}
+
 TEST_F(FreeEdges, AreFoundOnceAndAnewAfterAChangeOfFaces) {
   QDL_Record *model = make_model(4, kTwoTriangles);
   std::int32_t ids[8] = {};

@@ -134,7 +134,9 @@ TEST_F(Permutation, ChangesNothingWhenItFails) {
 
 TEST_F(Permutation, PreparesForNewMasses) {
   QDL_Record *model = open(build_file(60));
+  model->mass_pruned = true;
   ASSERT_EQ(QDL_PreprocessKVTQDL(model), 1);
+  EXPECT_FALSE(model->mass_pruned);
   EXPECT_TRUE(model->stiffness.entries.empty());
   EXPECT_TRUE(model->mass.entries.empty());
   EXPECT_TRUE(model->damping.entries.empty());

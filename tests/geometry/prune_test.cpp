@@ -259,6 +259,23 @@ TEST_F(Pruning, KeepsInterfaceNodesAndLoadedNodes) {
   EXPECT_EQ(QDL_GetModalLoadNodalNode(model, 1, 0), loaded);
 }
 
+// The interface nodes were chosen before most nodes were there, and their marks end with them.
+TEST_F(Pruning, MarksNoOtherNodeAsAnInterfaceNode) {
+  QDL_Record *model = QDL_Create(8, 0);
+  const auto add_nodes = [&](std::int32_t first, std::int32_t last) {
+    for (std::int32_t id = first; id <= last; ++id)
+      QDL_SetNodeCoordinates(model, id, id, 0, 0);
+  };
+  add_nodes(1, 3);
+  QDL_SetInterfaceNode(model, 3);
+  add_nodes(4, 8);
+  const std::vector<std::int32_t> face = {5, 6, 7};
+  QDL_SetFaceList(model, 3, face.data());
+  ASSERT_EQ(QDL_DiscardUnreferencedNodes(model), 1);
+  EXPECT_EQ(QDL_SetInterfaceNode(model, 6), 1);
+  EXPECT_EQ(interface_ids(model), (std::vector<std::int32_t>{3, 6}));
+}
+
 TEST_F(Pruning, LeavesLoadsOfDiscardedNodesOut) {
   const ScopedEnvironment options("ZEB_QDLWRITE_OPTIONS", "optimize_mforce_nodes");
   QDL_Record *model = block_with_outer_faces();
@@ -304,6 +321,29 @@ TEST_F(Pruning, DropsStressAndStrainThatOnlyInnerNodesHad) {
     EXPECT_EQ(QDL_Exists(model, block_id - 1), 0) << block_id;
   EXPECT_EQ(QDL_ModeNodeCount(model, 1), 0);
   EXPECT_EQ(QDL_ModeNodeCount(model, 2), 0);
+}
+
+std::vector<std::string> heard;
+
+std::int64_t hear(const char *text) {
+  heard.emplace_back(text);
+  return 0;
+}
+
+TEST_F(Pruning, TellsOfLostModesAfterThoseThatStay) {
+  Body body = block();
+  body.kinds[1] = {{id_at(1, 1, 1)}, {}};
+  body.kinds[1].modes = {rows(1, 0, body.kinds[1].node_ids), rows(1, 1, body.kinds[1].node_ids)};
+  body.pre_stress.clear();
+  QDL_Record *model = block_model(body, block_faces(false));
+  heard.clear();
+  const QDL_MessageHandler handlers[3] = {hear, hear, hear};
+  SetMessageHandlers(handlers);
+  EXPECT_EQ(QDL_DiscardUnreferencedNodes(model), 1);
+  ASSERT_EQ(heard.size(), 3U);
+  EXPECT_TRUE(heard[0].starts_with("Shortened Shape"));
+  EXPECT_TRUE(heard[1].starts_with("Shortened Strain"));
+  EXPECT_TRUE(heard[2].starts_with("All the nodes referenced in Stress Mode"));
 }
 
 TEST_F(Pruning, DropsAPreStressThatStandsAlone) {
@@ -363,6 +403,47 @@ TEST_F(Pruning, LooksForMaximaAgainWhereTheirNodeIsGone) {
   ASSERT_EQ(QDL_GetMaxModeDisplacement(model, 3, &node, &value), 1);
   EXPECT_EQ(node, id_at(3, 3, 3));
   EXPECT_EQ(value, 5.0);
+}
+
+TEST_F(Pruning, LooksForMaximaAgainThatWereAtUnknownNodes) {
+  QDL_Record *model = block_with_outer_faces();
+  // As a file may have it: the first stress node and the maximum at an identifier that no node has.
+  qdlflex::NodeSet &set = model->mode_data[1].nodes;
+  set.slot_of_node[static_cast<std::size_t>(set.node_of_slot[0])] = -1;
+  set.node_of_slot[0] = -1;
+  set.foreign_ids[0] = 5;
+  model->statistics.modes.resize(2);
+  model->statistics.modes[0].node_ids = {id_at(3, 3, 3), 5, 5};
+  model->statistics.modes[0].values = {1.0, 2.0, 3.0};
+  EXPECT_EQ(QDL_DiscardUnreferencedNodes(model), 1);
+  EXPECT_EQ(model->statistics.modes[0].node_ids[0], id_at(3, 3, 3));
+  EXPECT_EQ(model->statistics.modes[0].node_ids[2], 0);
+  EXPECT_EQ(model->statistics.modes[0].values[2], 0.0);
+}
+
+// Reading gives no model without memory; pruning leaves it whole.
+TEST_F(Pruning, LeavesTheModelToBeASurfaceMeshWholeWhenItFails) {
+  SampleModel sample = sample_model();
+  sample.faces = {3, 0, 1, 3};
+  const std::string name = file("body.qdl", build_file(60, {4, 14}, sample).bytes);
+  int whole = 0;
+  sweep(
+      Door::kMemory, Persistence::kOnce,
+      [&] {
+        {
+          const PauseFaults pause;
+          QDL_Terminate();
+          clear_messages();
+        }
+        return QDL_CreateFromQDL_SurfaceMesh(name.c_str());
+      },
+      [&](QDL_Record *model, bool) {
+        if (errors.empty())
+          EXPECT_TRUE(model != nullptr && QDL_NodeCount(model) == 3);
+        else if (model != nullptr && QDL_NodeCount(model) == 4)
+          ++whole;
+      });
+  EXPECT_GT(whole, 0);
 }
 
 // A file may have mode shapes at its first nodes only.

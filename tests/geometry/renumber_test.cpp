@@ -62,6 +62,23 @@ TEST_F(Renumbering, AddsAnOffsetToEveryIdentifier) {
   expect_no_messages();
 }
 
+// Stress at a node that the body does not have, as a file may list it, and its maximum there.
+TEST_F(Renumbering, TakesUnknownStressNodesAlong) {
+  QDL_Record *made = model();
+  qdlflex::NodeSet &set = made->mode_data[1].nodes;
+  set.slot_of_node[static_cast<std::size_t>(set.node_of_slot[0])] = -1;
+  set.node_of_slot[0] = -1;
+  set.foreign_ids = {77, INT_MAX};  // of a known node: not read
+  made->statistics.modes.resize(2);
+  made->statistics.modes[0].node_ids = {78, 0, 77};
+  EXPECT_EQ(QDL_RenumberNodes(made, 100), 1);
+  EXPECT_EQ(QDL_ModeNodeID(made, 1, 0), 177);
+  EXPECT_EQ(made->statistics.modes[0].node_ids[2], 177);
+  EXPECT_EQ(made->statistics.modes[0].node_ids[0], 78) << "neither a node nor a stress node";
+  set.foreign_ids[0] = INT_MAX;
+  EXPECT_EQ(QDL_RenumberNodes(made, 1), 0);
+}
+
 TEST_F(Renumbering, RefusesIdentifiersBelowOneAndBeyondTheRange) {
   QDL_Record *made = model();
   for (const std::int32_t offset : {-5, INT_MIN, INT_MAX - 30, INT_MAX})

@@ -166,6 +166,19 @@ TEST_F(RigidMotion, HasTheStatedSenseAndReturnsTheMatrix) {
   expect_no_messages();
 }
 
+// Magnitudes do not depend on the frame.
+TEST_F(RigidMotion, KeepsTheMaximaOfTheModes) {
+  QDL_Record *model = open(build_file(60));
+  const auto before = model->statistics.modes;
+  ASSERT_EQ(before.size(), 2U);
+  const Vec axis = {1, 2, -2};
+  EXPECT_EQ(QDL_Mirror_Origin(model, axis.data()), 1);
+  for (std::size_t mode = 0; mode < 2; ++mode) {
+    EXPECT_EQ(model->statistics.modes[mode].node_ids, before[mode].node_ids);
+    EXPECT_EQ(model->statistics.modes[mode].values, before[mode].values);
+  }
+}
+
 // Squares of these components leave the range of numbers.
 TEST_F(RigidMotion, TakesDirectionsOfAnyLength) {
   const Body body = sample_body();
