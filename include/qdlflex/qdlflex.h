@@ -138,6 +138,14 @@ QDL_API QDL_Record *QDL_Create(int32_t plannedNodes, int32_t plannedModes);
  *   null after the reader's message when it can't be read. @since 0.1, slot 2 */
 QDL_API QDL_Record *QDL_CreateFromQDL(const char *fileName);
 
+/** Opens a QDL file for its surface alone, or finds the open model that this function has made of
+ * exactly this name. A new model loses its internal geometry (QDL_RemoveInternalGeometry()); when
+ * that fails after a message, the model keeps all nodes. The same file opened by
+ * QDL_CreateFromQDL() is a model of its own.
+ * @param fileName path of the file
+ * @return as QDL_CreateFromQDL(). @since 0.1, slot 3 */
+QDL_API QDL_Record *QDL_CreateFromQDL_SurfaceMesh(const char *fileName);
+
 /** Finds the open model that QDL_CreateFromQDL() would return without reading.
  * @param fileName path, compared byte for byte @return handle, or null. @since 0.1, slot 1 */
 QDL_API QDL_Record *QDL_FindQDL(const char *fileName);
@@ -1206,9 +1214,12 @@ QDL_API int32_t QDL_ScaleModes(QDL_Record *model, int32_t kind, double factor);
 /** Moves the local body reference frame to the centre of the nodal masses, which is subtracted from
  * all node coordinates. Of the global mass data only x of the centre becomes 0. With exactly six
  * rigid-body modes the moments (entries 3 to 5) of the modal preload and of each modal load case
- * are taken about the new origin. Mode shapes stay as they are. Nothing happens where the nodal
- * masses sum up to 0.
- * @param model handle; null: reported @return 1, or 0 for null. @since 0.1 */
+ * are taken about the new origin. The inertia invariants that the model or its file holds follow as
+ * by QDL_Translate(), but one that can't stays without an error. Mode shapes stay as they are.
+ * Nothing happens where the nodal masses sum up to 0 or their centre is not finite.
+ * @param model handle; null: reported
+ * @return 1; 0 for null, and where memory is lacking or invariants or mode shapes that they depend
+ *   on can't be read: reported, with the model as it was. @since 0.1 */
 QDL_API int32_t QDL_ShiftLBRFtoCM(QDL_Record *model);
 
 /** @} */
@@ -1217,7 +1228,9 @@ QDL_API int32_t QDL_ShiftLBRFtoCM(QDL_Record *model);
  * 2: m r. 3: m p_j. 4: m r x p_j + J^T q_j. 5: m p_i x p_j. 6: the generalized mass. 7: inertia
  * about the origin, m ((r . r) E - r r^T) + J. 8: m ~r ~p_j. 9: m ~p_i ~p_j, where ~a b = a x b. A
  * getter answers with what a setter or the file supplied, else with the sums, for 1, 2 and 7 else
- * with the global mass properties, else with zeros. Setters for modes come after all modes exist.
+ * with the global mass properties, else with zeros. Where the file has a block that can't be read
+ * nothing takes its place: the getter then gives null, that of invariant 1 zero. Setters for modes
+ * come after all modes exist.
  * @{ */
 
 /** Sets invariant 1, the total mass.
@@ -1274,31 +1287,34 @@ QDL_API int32_t QDL_SetInvar9(QDL_Record *model, int32_t modeI, int32_t modeJ, c
 
 /** Invariant 1, the total mass.
  * @param model handle; null: reported
- * @return mass; 0.0 when nothing is known or memory runs out. @since 0.1, slot 114 */
+ * @return mass; 0.0 when nothing is known, the file's block can't be read or memory runs out.
+ *   @since 0.1, slot 114 */
 QDL_API double QDL_Invar1(QDL_Record *model);
 
 /** Invariant 2.
  * @param model handle; null: reported
- * @return new array of 3 values (mass length), or null. @since 0.1, slot 115 */
+ * @return new array of 3 values (mass length); null on failure and where the file's block can't be
+ *   read. @since 0.1, slot 115 */
 QDL_API double *QDL_Invar2(QDL_Record *model);
 
 /** Invariant 3: for each mode its first moment.
  * @param model handle; null: reported
  * @return new array of 3 x M values (mass length), component c of mode index j at c * M + j; null
- * without modes. @since 0.1, slot 116 */
+ * without modes and where the file's block can't be read. @since 0.1, slot 116 */
 QDL_API double *QDL_Invar3(QDL_Record *model);
 
 /** Invariant 4: for each mode its angular moment about the origin.
  * @param model handle; null: reported
  * @return new array of 3 x M values (mass length^2), component c of mode index j at c * M + j; null
- * without modes. @since 0.1, slot 117 */
+ * without modes and where the file's block can't be read. @since 0.1, slot 117 */
 QDL_API double *QDL_Invar4(QDL_Record *model);
 
 /** Invariant 5 of one mode with every mode. Derived together with invariant 9: getting either one
  * from the nodes replaces the other, whatever it was, and takes one walk through all modes.
  * @param model handle; null: reported @param mode_index index k of the first mode
  * @return new array of 3 x M values (mass length^2), component c of the pair (k, j) at c * M + j;
- * null without modes and for an index outside them. @since 0.1, slot 118 */
+ * null without modes, for an index outside them and where the file's block can't be read.
+ * @since 0.1, slot 118 */
 QDL_API double *QDL_Invar5(QDL_Record *model, int32_t mode_index);
 
 /** Invariant 6, the full generalized mass as QDL_GenMassFull() gives it.
@@ -1308,20 +1324,22 @@ QDL_API double *QDL_Invar6(QDL_Record *model);
 
 /** Invariant 7, the inertia tensor about the origin.
  * @param model handle; null: reported
- * @return new array of 3 x 3 values (mass length^2), or null. @since 0.1, slot 120 */
+ * @return new array of 3 x 3 values (mass length^2); null on failure and where the file's block
+ *   can't be read. @since 0.1, slot 120 */
 QDL_API double *QDL_Invar7(QDL_Record *model);
 
 /** Invariant 8 of one mode.
  * @param model handle; null: reported @param mode_index index of the mode
- * @return new array of 3 x 3 values (mass length^2); null without modes, for an index outside them
- * and, reported, without nodes to sum over. @since 0.1, slot 121 */
+ * @return new array of 3 x 3 values (mass length^2); null without modes, for an index outside them,
+ * where the file's block can't be read and, reported, without nodes to sum over.
+ * @since 0.1, slot 121 */
 QDL_API double *QDL_Invar8(QDL_Record *model, int32_t mode_index);
 
 /** Invariant 9 of a pair of modes; that of the pair in reverse order is its transpose. See
  * QDL_Invar5().
  * @param model handle; null: reported @param index_i,index_k indices of the two modes
- * @return new array of 3 x 3 values (mass length^2); null without modes and for an index outside
- * them. @since 0.1, slot 122 */
+ * @return new array of 3 x 3 values (mass length^2); null without modes, for an index outside them
+ * and where the file's block can't be read. @since 0.1, slot 122 */
 QDL_API double *QDL_Invar9(QDL_Record *model, int32_t index_i, int32_t index_k);
 
 /** Obtains invariants 1, 2, 3, 4, 7 and 8, which the getters then answer at once; the information
@@ -1505,7 +1523,8 @@ QDL_API int32_t QDL_GenDampPrincipalAndSelected(QDL_Record *model, double **matr
  * with a rigid-body part is warned about. The masses are those of the nodes; without nodal masses,
  * or with ZEB_MFORCE_NO_FEA_MASS set, the motion of each rigid mode is fitted to its nodes and the
  * momentum is that of the body with its total mass, centre and inertia.
- * A failure is reported; the vectors then stay unprocessed.
+ * A failure is reported; the vectors then stay unprocessed. So does, unreported, a vector whose
+ * force or moment is not finite.
  * @param model handle; null: reported. @since 0.1, slot 124 */
 QDL_API void QDL_RigidBodyForcesOnPrincipalAxes(QDL_Record *model);
 
@@ -1643,9 +1662,9 @@ QDL_API int32_t mass_normalize_modes(QDL_Record *model, double **scales);
  * other vectors: their sign is then that of a body that was not mirrored. Loads, faces (whose
  * normals point inwards after a mirror), monitor points and the rotor axis stay as they are.
  *
- * The maxima of the modes are looked for again after a turn. A zero vector, and a component, angle
- * or distance that is not finite, make a function fail without a message; so does a null array. A
- * failure to read or write mode data is reported. The model is then as it was.
+ * A zero vector, and a component, angle or distance that is not finite, make a function fail
+ * without a message; so does a null array. A failure to read or write mode data is reported. The
+ * model is then as it was.
  * @{ */
 
 /** C = A B. C may be A or B. @param A,B,C 3 x 3 matrices; any null: nothing happens. @since 0.1 */
@@ -1691,9 +1710,11 @@ QDL_API int32_t QDL_Rotate(QDL_Record *model, const double *axis, const double *
 
 /** Moves the body. The global mass properties are brought up to date with invariants 1, 2 and 7
  * first, as by QDL_CalculateGlobalMassFromNodeMass(). Invariants that the library computed follow
- * exactly. Of those that a setter or a file supplied, 2, 4 and 7 are summed anew over nodal masses
- * and 8, or 4 without nodal masses, follow with the help of invariant 3; where that is missing an
- * error is reported for each and the invariant stays, while everything else is moved.
+ * exactly. Of those that a setter or a file supplied, 2, 4 and 7 are summed anew over nodal masses;
+ * where these do not sum up to invariant 1, as in a file whose writer discarded nodes, they follow
+ * with the help of invariants 1, 2 and 3. 8, or 4 without nodal masses, follow with the help of
+ * invariant 3. Where something is missing an error is reported for each and the invariant stays,
+ * while everything else is moved.
  * @param model handle; null: reported @param direction any length @param distance length
  * @return 1; 0 also when an invariant stays behind. @since 0.1, slot 159 */
 QDL_API int32_t QDL_Translate(QDL_Record *model, const double *direction, double distance);
@@ -1806,20 +1827,34 @@ QDL_API int32_t QDL_ReadGeneralizedMass(QDL_Record *model);
 QDL_API int32_t QDL_ReadGeneralizedDamping(QDL_Record *model);
 
 /** Writes the model to a file, as the words of ZEB_QDLWRITE_OPTIONS say (found anywhere in the
- * text, case-sensitive). By default: version 60, XDR encoding, double precision. `single`: single
- * precision. `no_xdr`: native encoding. `full_str`: version 41, stress and strain at every node;
- * with `single` 51, with `no_xdr` 40, with both 50. `82_comp`, `81_comp`: version 20, 10.
- * `no_ortho`: modes as they are, with generalized stiffness and mass in place of eigenvalues; so
- * far the only way to write modes whose generalized matrices are stored entries. `lowpass(F)`,
- * `highpass(F)`: without `no_ortho`, the modes of a range of frequencies only. `MKS`: the model is
- * converted to KILOGRAM, METER, SECOND, NEWTON. `sparse_str` (the default) fails together with
- * `full_str`, `82_comp` or `81_comp`, and `single` with the last two. `lbrf2cm`, `sketch`,
- * `strip_face`, `coarsen(`, `full_invar`, `fast_invar` and `empty` are refused so far. Writing may
- * edit the model; edits stay also when it fails.
+ * text, case-sensitive). By default the modes are orthonormalized and the file has version 60, XDR
+ * encoding and double precision. In the order in which they act:
+ * - Edits: `lbrf2cm` QDL_ShiftLBRFtoCM(), without which there is no file, `sketch(FILE)`
+ *   QDL_SketchGrid(), `strip_face` QDL_StripCommonFaces(), `coarsen(ARGUMENTS)` QDL_TrimGeometry().
+ * - Form: `single`: single precision. `no_xdr`: native encoding. `full_str`: version 41, stress and
+ *   strain at every node; with `single` 51, with `no_xdr` 40, with both 50. `82_comp`, `81_comp`:
+ *   version 20, 10. `sparse_str` (the default) fails together with `full_str`, `82_comp` or
+ *   `81_comp`; `single` and the invariants fail with the last two.
+ * - Modes: QDL_OrthoNormalize(), then the modes between the frequencies of `highpass(F)` and
+ *   `lowpass(F)` alone, numbered from 1. `no_ortho`: all modes as they are, with generalized
+ *   stiffness and mass in place of eigenvalues.
+ * - Invariants: `full_invar` all of them, `fast_invar` without 5 and 9. With either, and where the
+ *   model has invariant 3 already, loads and damping are brought to principal axes, nodes that the
+ *   geometry does not use are dropped and the global mass properties come from the invariants.
+ * - `empty`: no modes; geometry, masses, units, interface nodes and rigid invariants alone.
+ * - `MKS`: the model is converted to KILOGRAM, METER, SECOND, NEWTON.
+ *
+ * Writing edits the model where these functions do; the edits stay also when it fails.
  * @param model handle; null: reported
  * @param path output file; refused when it is the file the model was read from, under any name
  * @return 1; 0 after a message, no file is left behind. @since 0.1, slot 101 */
 QDL_API int32_t QDL_write_QDL(QDL_Record *model, const char *path);
+
+/** Prints one block of the model, as it stands in memory, for people to read.
+ * @param model handle; null: reported
+ * @param blockId 1 to 37; others, and 33, only flush the stream
+ * @param stream open for writing; null: nothing happens. @since 0.1, slot 113 */
+QDL_API void QDL_Contents(QDL_Record *model, int32_t blockId, FILE *stream);
 
 /** Solver-database export, which this library does not have: always reports an error.
  * @param model handle; null: reported @param path not used @return 0. @since 0.1, slot 102 */

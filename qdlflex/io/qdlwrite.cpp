@@ -70,6 +70,8 @@ void announce_contents(const QDL_Record &record, const WritePlan &plan) {
 /// Everything between opening and closing the output.
 bool write_contents(QDL_Record &record, File &file) {
   const WriteOptions options = parse_write_options(environment_text("ZEB_QDLWRITE_OPTIONS"));
+  if (!edit_model(record, options))
+    return false;
   const std::optional<std::uint32_t> code = choose_version_code(options);
   if (!code) {
     QDL_Error("Problem writing version number.");

@@ -7,8 +7,12 @@
 
 #include "format/version.h"
 #include "geometry/coarsened.h"
+#include "geometry/prune.h"
 #include "numerics/eigenvalue_lookup.h"
 #include "numerics/global_mass.h"
+#include "numerics/orthonormalize.h"
+#include "numerics/principal_damping.h"
+#include "numerics/principal_forces.h"
 #include "numerics/qdlinvar.h"
 
 namespace qdlflex {
@@ -47,10 +51,6 @@ void plan_unsolved(const QDL_Record &record, WritePlan &plan) {
   plan.set(Block::kGeneralizedStiffness, true);
   plan.set(Block::kGeneralizedMass, true);
   plan_all_modes(record, plan);
-}
-
-bool has_generalized_entries(const QDL_Record &record) {
-  return !record.stiffness.entries.empty() || !record.mass.entries.empty();
 }
 
 /// The modes between the frequency limits, up to the first one without generalized mass.
@@ -93,32 +93,12 @@ void renumber_modes(QDL_Record &record, std::int32_t first_mode) {
     entry.mode_number = renumbered(entry.mode_number);
 }
 
-/// Modes with an eigenvalue table and no generalized entries are orthonormal already: they stay as
-/// they are, and their transformation is the identity where the record has none.
-bool orthonormalize(QDL_Record &record) {
-  if (mode_count(record) == 0)
-    return true;
-  if (record.eigenvalues.empty() || has_generalized_entries(record)) {
-    QDL_Error("Modes that are not orthonormal can only be written with the option no_ortho.");
-    return false;
-  }
-  Transformation &transformation = record.transformation;
-  if (transformation.present)
-    return true;
-  const auto modes = static_cast<std::size_t>(mode_count(record));
-  transformation = {mode_count(record), std::vector<double>(modes * modes),
-                    std::vector<std::int32_t>(modes), true};
-  for (std::size_t mode = 0; mode < modes; ++mode)
-    transformation.matrix[mode * (modes + 1)] = 1.0;
-  return true;
-}
-
 bool plan_modes(QDL_Record &record, const WriteOptions &options, WritePlan &plan) {
   if (options.no_ortho) {
     plan_unsolved(record, plan);
     return true;
   }
-  if (!orthonormalize(record))
+  if (mode_count(record) > 0 && !orthonormalize(record))
     return false;
   plan.set(Block::kEigenvalues, mode_count(record) > 0);
   plan.set(Block::kModeShapeTransformation, record.transformation.present);
@@ -169,38 +149,72 @@ void drop_blocks_without_modes(WritePlan &plan) {
     plan.set(Block::kPreStrain, false);
 }
 
-/// Options that cannot be honoured must not be ignored in silence.
-bool report_unavailable(const WriteOptions &options) {
-  const std::pair<bool, const char *> unavailable[] = {
-      {options.shift_frame, "lbrf2cm"},
-      {options.sketch.has_value(), "sketch"},
-      {options.strip_faces, "strip_face"},
-      {options.coarsen.has_value(), "coarsen"},
-      {options.full_invariants, "full_invar"},
-      {options.fast_invariants, "fast_invar"},
-      {options.empty, "empty"},
-  };
-  const auto *found = std::ranges::find(unavailable, true, &std::pair<bool, const char *>::first);
-  if (found == std::end(unavailable))
-    return false;
-  QDL_Error("Write option %s is not available in this build.", found->second);
-  return true;
+/// Which invariants the file gets: those that the record holds, and those that are asked for.
+enum class InvariantOutcome { kAsHeld, kComputed, kIllegal };
+
+InvariantOutcome plan_invariants(QDL_Record &record, const WriteOptions &options, WritePlan &plan) {
+  copy_presence(record, plan,
+                {Block::kInvariant1, Block::kInvariant2, Block::kInvariant3, Block::kInvariant4,
+                 Block::kInvariant5, Block::kInvariant7, Block::kInvariant8, Block::kInvariant9});
+  if (!options.invariants)
+    return InvariantOutcome::kAsHeld;
+  if (!options.full_invariants && !options.fast_invariants) {
+    QDL_Error("Illegal invariants option, use full_invar or fast_invar.");
+    return InvariantOutcome::kIllegal;
+  }
+  if (options.full_invariants)
+    QDL_FullComputeInvars(&record);
+  else
+    QDL_FastComputeInvars(&record);
+  for (const Block block : {Block::kInvariant1, Block::kInvariant2, Block::kInvariant3,
+                            Block::kInvariant4, Block::kInvariant7, Block::kInvariant8})
+    plan.set(block, true);
+  for (const Block block : {Block::kInvariant5, Block::kInvariant9})
+    plan.set(block, options.full_invariants);
+  return InvariantOutcome::kComputed;
 }
 
-/// Invariants asked for without saying which ones.
-bool report_illegal_invariants(const WriteOptions &options) {
-  if (!options.invariants || options.full_invariants || options.fast_invariants)
-    return false;
-  QDL_Error("Illegal invariants option, use full_invar or fast_invar.");
-  return true;
+/// Loads and damping beside invariants are on principal axes for whoever reads the file.
+bool project_on_principal_axes(QDL_Record &record) {
+  forces_on_principal_axes(record);
+  return damping_on_principal_axes(record);
 }
 
-/// Damping beside invariants is taken to be projected on principal axes by whoever reads the file.
-bool damping_needs_projection(const QDL_Record &record, const WritePlan &plan) {
-  const bool beside = plan.writes(Block::kInvariant3) && plan.writes(Block::kGeneralizedDamping);
-  if (!beside || record.damping_on_principal_axes || record.damping.entries.empty())
+/// Geometry, masses and rigid invariants alone.
+void prepare_empty_body(QDL_Record &record, WritePlan &plan) {
+  plan.set(Block::kUnits, true);
+  copy_presence(record, plan,
+                {Block::kNodalCoordinates, Block::kNodalMasses, Block::kNodalInertias,
+                 Block::kInterfaceNodes});
+  plan_faces(record, plan);
+  QDL_RigidComputeInvars(&record);
+  for (const Block block : {Block::kInvariant1, Block::kInvariant2, Block::kInvariant7})
+    plan.set(block, true);
+  plan_global_mass(record, true, plan);
+}
+
+/// Everything that the record holds. False when the write has to fail.
+bool prepare_body(QDL_Record &record, const WriteOptions &options, WritePlan &plan) {
+  plan_stored_blocks(record, plan);
+  if (!plan_modes(record, options, plan))
     return false;
-  QDL_Error("Projecting the damping on principal axes is not available in this build.");
+  const InvariantOutcome outcome = plan_invariants(record, options, plan);
+  const bool invariants_known =
+      outcome == InvariantOutcome::kComputed || present(record, Block::kInvariant3);
+  if (invariants_known && !project_on_principal_axes(record))
+    return false;
+  plan.may_convert_units = outcome != InvariantOutcome::kIllegal;
+  if (invariants_known && plan.may_convert_units) {
+    // The mass of the discarded nodes stays in the global mass properties.
+    for (const int number : {1, 2, 7})
+      obtain_invariant(record, number);
+    plan.may_convert_units = discard_unreferenced_nodes(record);
+  }
+  plan_global_mass(record, invariants_known, plan);
+  plan_modal_data(record, plan);
+  plan.statistics.resize(static_cast<std::size_t>(plan.modes()));
+  plan.set(Block::kModalStatistics, plan.modes() > 0);
+  drop_blocks_without_modes(plan);
   return true;
 }
 
@@ -215,24 +229,24 @@ bool WritePlan::full_stress() const {
   return version_number(version_code) < kCurrentVersion;
 }
 
+bool edit_model(QDL_Record &record, const WriteOptions &options) {
+  if (options.shift_frame && QDL_ShiftLBRFtoCM(&record) == 0)
+    return false;
+  if (options.sketch)
+    QDL_SketchGrid(&record, options.sketch->c_str());
+  if (options.strip_faces)
+    QDL_StripCommonFaces(&record);
+  if (options.coarsen)
+    QDL_TrimGeometry(&record, options.coarsen->c_str());
+  return true;
+}
+
 bool prepare_blocks(QDL_Record &record, const WriteOptions &options, WritePlan &plan) {
-  if (report_unavailable(options))
+  if (options.empty)
+    prepare_empty_body(record, plan);
+  else if (!prepare_body(record, options, plan))
     return false;
-  plan_stored_blocks(record, plan);
-  if (!plan_modes(record, options, plan))
-    return false;
-  const bool illegal_invariants = report_illegal_invariants(options);
-  copy_presence(record, plan,
-                {Block::kInvariant1, Block::kInvariant2, Block::kInvariant3, Block::kInvariant4,
-                 Block::kInvariant5, Block::kInvariant7, Block::kInvariant8, Block::kInvariant9});
-  if (damping_needs_projection(record, plan))
-    return false;
-  plan_global_mass(record, present(record, Block::kInvariant3), plan);
-  plan_modal_data(record, plan);
-  plan.statistics.resize(static_cast<std::size_t>(plan.modes()));
-  plan.set(Block::kModalStatistics, plan.modes() > 0);
-  drop_blocks_without_modes(plan);
-  if (options.mks && !illegal_invariants)
+  if (options.mks && plan.may_convert_units)
     QDL_SetUnits(&record, "KILOGRAM", "METER", "SECOND", "NEWTON");
   return true;
 }

@@ -17,6 +17,8 @@ struct WritePlan {
   // The exported modes, a contiguous range.
   std::int32_t first_mode = 0;
   std::int32_t end_mode = 0;
+  /// False after a step that went wrong without failing the write.
+  bool may_convert_units = true;
   /// Of the exported modes; filled while stress and strain are written.
   std::vector<ModalStatistics> statistics;
 
@@ -27,6 +29,10 @@ struct WritePlan {
   /// Older versions hold a value of stress and strain for every node.
   bool full_stress() const;
 };
+
+/// Applies the options that change the model itself. False when the write has to fail, because the
+/// frame could not be shifted; the reason has been reported.
+bool edit_model(QDL_Record &record, const WriteOptions &options);
 
 /// Decides which blocks are written and computes what the record lacks for them. False when the
 /// write has to fail; the reason has been reported.

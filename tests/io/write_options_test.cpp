@@ -230,35 +230,4 @@ TEST_F(WriteOptions, MksConvertsTheModel) {
   }
 }
 
-// --- What cannot be done ----------------------------------------------------------------------
-
-TEST_F(WriteOptions, UnavailableOptionsFailTheWrite) {
-  const std::vector<std::array<std::string, 2>> cases = {{"lbrf2cm", "lbrf2cm"},
-                                                         {"sketch(a.txt)", "sketch"},
-                                                         {"strip_face", "strip_face"},
-                                                         {"coarsen(0.1,10,1)", "coarsen"},
-                                                         {"full_invar", "full_invar"},
-                                                         {"fast_invar", "fast_invar"},
-                                                         {"empty", "empty"}};
-  for (const auto &[options, word] : cases) {
-    SCOPED_TRACE(options);
-    expect_refused(body(), options, {"Write option " + word + " is not available in this build."});
-  }
-}
-
-TEST_F(WriteOptions, ModesThatHaveToBeSolvedAreRefused) {
-  const std::string refused =
-      "Modes that are not orthonormal can only be written with the option no_ortho.";
-  const SampleModel content = body_with_modes({0, 1}, 1);
-  for (const std::set<int> &blocks : {std::set<int>{4, 8, 12, 13}, {4, 7, 8, 12}, {4, 8}}) {
-    SCOPED_TRACE(testing::PrintToString(blocks));
-    QDL_Record *record = build_record(content, blocks);
-    expect_refused(record, "", {refused});
-    clear_messages();
-    EXPECT_EQ(write(record, "no_ortho"), 1);
-    EXPECT_EQ(errors, std::vector<std::string>{});
-    std::filesystem::remove(path("written.qdl"));
-  }
-}
-
 }  // namespace
