@@ -17,5 +17,6 @@ void add_invariants_command(CLI::App &app, Job &job);
 void add_orthonormalize_command(CLI::App &app, Job &job);
 void add_surface_command(CLI::App &app, Job &job);
 void add_transform_command(CLI::App &app, Job &job);
+void add_report_command(CLI::App &app, Job &job);
 
 }  // namespace qdlflex::cli

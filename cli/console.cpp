@@ -16,6 +16,7 @@ constexpr int64_t kBarWidth = 40;
 constexpr const char *kEraseLine = "\r\033[K";
 
 bool bar_on_screen = false;
+int64_t error_count = 0;
 
 void erase_bar() {
   if (bar_on_screen) {
@@ -33,6 +34,7 @@ void print_message(const char *kind, std::string_view text) {
 }
 
 int64_t on_error(const char *text) {
+  ++error_count;
   print_message("error: ", text);
   return 0;
 }
@@ -53,6 +55,10 @@ int64_t on_information(const char *text) {
 void install_message_handlers(bool verbose) {
   const QDL_MessageHandler handlers[3] = {on_error, on_warning, verbose ? on_information : nullptr};
   SetMessageHandlers(handlers);
+}
+
+int64_t reported_error_count() {
+  return error_count;
 }
 
 void print_error(std::string_view text) {

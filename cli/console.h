@@ -9,6 +9,9 @@ namespace qdlflex::cli {
 /// Sends the library's messages to standard error; its information lines only when `verbose`.
 void install_message_handlers(bool verbose);
 
+/// How many errors the library has reported so far.
+int64_t reported_error_count();
+
 /// Lines on standard error, in the form of the library's messages.
 void print_error(std::string_view text);
 void print_warning(std::string_view text);

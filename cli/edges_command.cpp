@@ -55,7 +55,7 @@ void print_json(const EdgeOptions &options, const std::vector<Chain> &chains,
 }
 
 void print_table(const std::vector<Chain> &chains, const std::string &length_unit) {
-  std::printf("free edges: %zu chains\n", chains.size());
+  std::printf("free edges: %zu chain%s\n", chains.size(), chains.size() == 1 ? "" : "s");
   for (size_t k = 0; k < chains.size(); ++k) {
     std::printf("chain %zu, %s, length %.7g %s:", k + 1, chains[k].closed() ? "closed" : "open",
                 chains[k].length, abbreviation_of(length_unit).c_str());

@@ -51,6 +51,7 @@ void check_faces(QDL_Record *record) {
   if (face_count == 0) {
     throw Failure("the model has no faces");
   }
+  read_faces(record);
 }
 
 }  // namespace qdlflex::cli

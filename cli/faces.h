@@ -17,7 +17,8 @@ std::vector<int32_t> read_faces(QDL_Record *record);
 /// The same after those that two elements share are gone.
 std::vector<int32_t> read_outer_faces(QDL_Record *record);
 
-/// Throws a Failure if the model has no faces, about which the library would be less clear.
+/// Throws a Failure if the model has no faces, about which the library would be less clear, or if a
+/// face uses a node that is none.
 void check_faces(QDL_Record *record);
 
 /// Calls `visit` with the node indices of every face that has any.

@@ -19,8 +19,7 @@ struct ImportOptions {
 void add_ccx_command(CLI::App &app, Job &job) {
   const auto options = std::make_shared<ImportOptions>();
   CcxImport &import = options->import;
-  // Without options of the user's own, the modes go into the file as the solver made them.
-  import.write_options = user_write_options().value_or("no_ortho");
+  import.write_options = user_write_options().value_or("");
 
   CLI::App *const command = app.add_subcommand("ccx", "Import results of the CalculiX solver.");
   command->add_option("results", import.results, "Result file in text form")

@@ -1,13 +1,25 @@
 #include <qdlflex/qdlflex.h>
 
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
 #include <exception>
+#include <string>
 
 #include "commands.h"
 #include "console.h"
+#include "text_input.h"
 
 namespace {
 
 enum ExitCode { exit_done = 0, exit_failed = 1, exit_usage = 2 };
+
+/// A full disk shows at the latest here.
+void finish_output() {
+  if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
+    throw qdlflex::cli::Failure(std::string("standard output: ") + std::strerror(errno));
+  }
+}
 
 int run(int argc, char **argv) {
   using namespace qdlflex::cli;
@@ -24,12 +36,14 @@ int run(int argc, char **argv) {
   add_orthonormalize_command(app, job);
   add_surface_command(app, job);
   add_transform_command(app, job);
+  add_report_command(app, job);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError &error) {
     return app.exit(error) == 0 ? exit_done : exit_usage;
   }
   job();
+  finish_output();
   return exit_done;
 }
 

@@ -91,21 +91,22 @@ class ModeReader {
 /// What the arrays need when they are written.
 struct Source {
   ModeReader reader;
-  std::vector<int32_t> places;         // of the nodes in a half-mode of shapes
-  std::vector<int32_t> stress_places;  // in a half-mode of stresses; -1 where there is none
+  // Of the nodes in a half-mode; -1 where a kind lacks the node.
+  std::vector<int32_t> shape_places;
+  std::vector<int32_t> stress_places;
 };
 
 using Tensor = std::array<double, 6>;  // xx, yy, zz, xy, xz, yz
 
 std::array<double, 3> triple(const std::vector<double> &half, int32_t place) {
+  if (place < 0) {
+    return {kNoValue, kNoValue, kNoValue};
+  }
   const size_t at = 3 * static_cast<size_t>(place);
   return {half[at], half[at + 1], half[at + 2]};
 }
 
 Tensor tensor(Source &source, int32_t mode, int32_t place) {
-  if (place < 0) {
-    return {kNoValue, kNoValue, kNoValue, kNoValue, kNoValue, kNoValue};
-  }
   const auto direct = triple(source.reader.half(mode, QDL_MODE_STRESS, 0), place);
   const auto shear = triple(source.reader.half(mode, QDL_MODE_STRESS, 1), place);
   return {direct[0], direct[1], direct[2], shear[0], shear[1], shear[2]};
@@ -141,10 +142,10 @@ VtkArray vectors(std::string name, const SharedSource &source, int32_t mode, int
   return {"Float64",
           std::move(name),
           {"X", "Y", "Z"},
-          std::ssize(source->places),
+          std::ssize(source->shape_places),
           [source, mode, part, scale](OutputFile &file) {
             const auto &half = source->reader.half(mode, QDL_MODE_SHAPE, part);
-            write_at<3>(file, source->places, [&](int32_t place) {
+            write_at<3>(file, source->shape_places, [&](int32_t place) {
               const auto [x, y, z] = triple(half, place);
               return std::array<double, 3>{scale * x, scale * y, scale * z};
             });
@@ -156,7 +157,7 @@ VtkArray tensors(std::string name, const SharedSource &source, int32_t mode) {
   return {"Float64",
           std::move(name),
           {"XX", "YY", "ZZ", "XY", "YZ", "XZ"},
-          std::ssize(source->places),
+          std::ssize(source->stress_places),
           [source, mode](OutputFile &file) {
             write_at<6>(file, source->stress_places, [&](int32_t place) {
               const Tensor t = tensor(*source, mode, place);
@@ -169,12 +170,20 @@ VtkArray mises_values(std::string name, const SharedSource &source, int32_t mode
   return {"Float64",
           std::move(name),
           {""},
-          std::ssize(source->places),
+          std::ssize(source->stress_places),
           [source, mode](OutputFile &file) {
             write_at<1>(file, source->stress_places, [&](int32_t place) {
               return std::array<double, 1>{von_mises(tensor(*source, mode, place))};
             });
           }};
+}
+
+/// A file may list shapes for its first nodes only.
+std::vector<int32_t> shape_places(QDL_Record *record, std::vector<int32_t> nodes) {
+  const int32_t count = QDL_ModeNodeCount(record, QDL_MODE_SHAPE);
+  std::ranges::replace_if(
+      nodes, [count](int32_t node) { return node >= count; }, -1);
+  return nodes;
 }
 
 std::vector<int32_t> stress_places(QDL_Record *record, const std::vector<int32_t> &nodes) {
@@ -248,7 +257,8 @@ std::vector<VtkArray> mode_fields(QDL_Record *record, const std::vector<int32_t>
   if (options.stress && QDL_ModeExist(record, QDL_MODE_STRESS) == 0) {
     throw Failure("the model has no modal stress");
   }
-  const auto source = std::make_shared<Source>(Source{ModeReader(record), nodes, {}});
+  const auto source =
+      std::make_shared<Source>(Source{ModeReader(record), shape_places(record, nodes), {}});
   if (options.stress) {
     source->stress_places = stress_places(record, nodes);
   }

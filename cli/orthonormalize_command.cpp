@@ -1,6 +1,6 @@
 #include <cmath>
 #include <cstdio>
-#include <cstdlib>
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
@@ -9,14 +9,11 @@
 #include "console.h"
 #include "record.h"
 #include "text_input.h"
+#include "write_record.h"
 
 namespace qdlflex::cli {
 
 namespace {
-
-constexpr const char *kWriteOptionsVariable = "ZEB_QDLWRITE_OPTIONS";
-constexpr int32_t kHeaderIndex = 1;
-constexpr int64_t kNativeHeaderSize = 544;  // one byte per character; XDR takes four
 
 struct OrthonormalizeOptions {
   std::string input;
@@ -37,25 +34,25 @@ std::string limit(const char *name, std::optional<double> frequency, double with
 
 std::string write_options(QDL_Record *record, const OrthonormalizeOptions &options) {
   // The writer's own limits would leave out modes above 1e8 and below -1.
-  std::string text =
-      limit("highpass", options.highpass, -9e99) + "," + limit("lowpass", options.lowpass, 9e99);
-  if (QDL_size_of_block(record, kHeaderIndex) == kNativeHeaderSize) {
-    text += ",no_xdr";
-  }
-  if (QDL_Double_Prec(record) == 0) {
-    text += ",single";
-  }
-  return text;
+  return limit("highpass", options.highpass, -9e99) + "," +
+         limit("lowpass", options.lowpass, 9e99) + same_form_options(record);
 }
 
-void print_frequencies(const std::string &path) {
-  const Record record = open_record(path);
+/// Writes the file and tells how many modes the input has.
+int32_t write_modes(const OrthonormalizeOptions &options) {
+  const Record record = open_record(options.input);
   const int32_t modes = QDL_ModeCount(record.get());
+  write_record(record.get(), options.output, write_options(record.get(), options));
+  return modes;
+}
+
+void print_frequencies(const std::string &path, QDL_Record *record) {
+  const int32_t modes = QDL_ModeCount(record);
   std::printf("%s: %d modes\n%6s %18s\n", path.c_str(), modes, "mode", "frequency");
   for (int32_t index = 0; index < modes; ++index) {
-    const int32_t number = QDL_ModeNumber(record.get(), index);
+    const int32_t number = QDL_ModeNumber(record, index);
     double frequency = 0.0;
-    QDL_Eigenvalue(record.get(), number, nullptr, &frequency, nullptr, nullptr, nullptr);
+    QDL_Eigenvalue(record, number, nullptr, &frequency, nullptr, nullptr, nullptr);
     std::printf("%6d %18.10g\n", number, frequency);
   }
 }
@@ -63,19 +60,14 @@ void print_frequencies(const std::string &path) {
 void orthonormalize(const OrthonormalizeOptions &options) {
   install_message_handlers(options.verbose);
   check_output_is_not(options.input, options.output);
-  {
-    const Record record = open_record(options.input);
-    // The file's encoding is no longer known once the modes have moved elsewhere.
-    const std::string text = write_options(record.get(), options);
-    if (QDL_OrthoNormalize(record.get()) == 0) {
-      throw Failure(options.input + ": the modes cannot be orthonormalized");
-    }
-    setenv(kWriteOptionsVariable, text.c_str(), 1);
-    if (QDL_write_QDL(record.get(), options.output.c_str()) == 0) {
-      throw Failure(options.output + " was not written");
-    }
+  const int32_t modes_before = write_modes(options);
+  Record written = open_record(options.output);
+  if (modes_before > 0 && QDL_ModeCount(written.get()) == 0) {
+    written.reset();
+    std::filesystem::remove(options.output);
+    throw Failure("none of the modes would be left");
   }
-  print_frequencies(options.output);
+  print_frequencies(options.output, written.get());
 }
 
 void check_finite(const char *name, std::optional<double> value) {

@@ -18,6 +18,11 @@ int64_t byte_count(const VtkArray &array) {
   return array.tuples * static_cast<int64_t>(array.components.size()) * value_size(array);
 }
 
+bool is_printable(char character) {
+  return character >= ' ' && character <= '~';
+}
+
+/// Text of a file may have any encoding and control characters, which XML may not.
 std::string quoted(std::string_view text) {
   std::string result = "\"";
   for (const char character : text) {
@@ -32,7 +37,7 @@ std::string quoted(std::string_view text) {
         result += "&quot;";
         break;
       default:
-        result += character;
+        result += is_printable(character) ? character : '?';
     }
   }
   return result + "\"";

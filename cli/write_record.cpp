@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 
+#include "console.h"
 #include "text_input.h"
 
 namespace qdlflex::cli {
@@ -10,10 +11,24 @@ namespace {
 
 constexpr const char *kWriteOptionsVariable = "ZEB_QDLWRITE_OPTIONS";
 
+// The writer's own limits leave out modes above a frequency of 1e8 and below -1.
+constexpr const char *kEveryFrequency = "highpass(-9e99),lowpass(9e99)";
+
+// Indices of blocks.
+constexpr int32_t kEigenvalueTable = 6;
+constexpr int32_t kStiffness = 11;
+constexpr int32_t kMass = 12;
+constexpr int32_t kTransformation = 15;
+
+bool has_generalized_matrices(QDL_Record *record) {
+  return QDL_Exists(record, kStiffness) != 0 || QDL_Exists(record, kMass) != 0;
+}
+
 /// Tells whether a table of eigenvalues says all that the record knows of its modes. Generalized
 /// entries would be solved into new modes, and a mode without mass would end the table.
 bool fits_eigenvalue_table(QDL_Record *record) {
-  if (QDL_NumberOfGenStiff(record) > 0 || QDL_NumberOfGenMass(record) > 0) {
+  const bool lacks_table = QDL_ModeCount(record) > 0 && QDL_Exists(record, kEigenvalueTable) == 0;
+  if (lacks_table || has_generalized_matrices(record)) {
     return false;
   }
   for (int32_t index = 0; index < QDL_ModeCount(record); ++index) {
@@ -27,6 +42,15 @@ bool fits_eigenvalue_table(QDL_Record *record) {
   return true;
 }
 
+void warn_of_losses_without_table(QDL_Record *record) {
+  if (QDL_Exists(record, kTransformation) != 0) {
+    print_warning("the mode shape transformation is not written");
+  }
+  if (QDL_Exists(record, kEigenvalueTable) != 0) {
+    print_warning("the table of eigenvalues is not written, only generalized matrices");
+  }
+}
+
 }  // namespace
 
 std::optional<std::string> user_write_options() {
@@ -34,10 +58,8 @@ std::optional<std::string> user_write_options() {
   return set != nullptr && *set != '\0' ? std::optional<std::string>(set) : std::nullopt;
 }
 
-std::string faithful_write_options(QDL_Record *record) {
-  // The writer's own limits leave out modes above a frequency of 1e8 and below -1.
-  std::string options =
-      fits_eigenvalue_table(record) ? "highpass(-9e99),lowpass(9e99)" : "no_ortho";
+std::string same_form_options(QDL_Record *record) {
+  std::string options;
   if (!is_xdr(record)) {
     options += ",no_xdr";
   }
@@ -47,8 +69,20 @@ std::string faithful_write_options(QDL_Record *record) {
   return options;
 }
 
-void write_record(QDL_Record *record, const std::string &path, const std::string &options) {
+std::string faithful_write_options(QDL_Record *record) {
+  if (fits_eigenvalue_table(record)) {
+    return kEveryFrequency + same_form_options(record);
+  }
+  warn_of_losses_without_table(record);
+  return "no_ortho" + same_form_options(record);
+}
+
+void set_write_options(const std::string &options) {
   setenv(kWriteOptionsVariable, options.c_str(), 1);
+}
+
+void write_record(QDL_Record *record, const std::string &path, const std::string &options) {
+  set_write_options(options);
   if (QDL_write_QDL(record, path.c_str()) == 0) {
     throw Failure(path + " was not written");
   }

@@ -339,11 +339,24 @@ TEST_F(CommandTest, InfoTellsWhatAFileHolds) {
   }
 }
 
+TEST_F(CommandTest, OutputThatCannotBeWrittenEndsWithOne) {
+  folder_.write("job.frd", one_mode());
+  ASSERT_EQ(import("--density 6").exit_code, 0);
+  for (const char *const command : {"info ", "report "}) {
+    const CommandResult result =
+        run_qdlflex(command + quoted("out.qdl") + " > /dev/full 2> " + quoted("errors") + " #");
+    EXPECT_EQ(result.exit_code, 1) << command;
+    EXPECT_EQ(read_text(folder_.path("errors")),
+              "qdlflex: error: standard output: No space left on device\n");
+  }
+}
+
 TEST_F(CommandTest, InfoRefusesWhatIsNoFileOfItsKind) {
   const CommandResult missing = run_qdlflex("info " + quoted("none.qdl"));
   EXPECT_EQ(missing.exit_code, 1);
   EXPECT_EQ(missing.errors,
             "qdlflex: error: " + folder_.path("none.qdl") + ": No such file or directory\n");
+  EXPECT_EQ(run_qdlflex("report " + quoted("none.qdl")).errors, missing.errors);
   folder_.write("text.qdl", "no body at all");
   const CommandResult text = run_qdlflex("info " + quoted("text.qdl"));
   EXPECT_EQ(text.exit_code, 1);

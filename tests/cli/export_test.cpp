@@ -14,6 +14,8 @@
 #include "cli_support.h"
 #include "geometry_models.h"
 #include "record.h"
+#include "vtk_xml.h"
+#include "write_record.h"
 
 using nlohmann::json;
 using qdlflex::cli::Record;
@@ -223,6 +225,30 @@ TEST_F(VtkTest, AnUnstructuredGridHoldsAllNodesAndFaces) {
 
   EXPECT_EQ(types_of(read(exported("vtu", "panel"))),
             (std::map<int, int>{{kPolygon, 1}, {kTriangle, 1}}));
+}
+
+TEST_F(VtkTest, NodesWithoutModeShapesHaveNoValues) {
+  const Record record = open_box();
+  QDL_SetNodeCoordinates(record.get(), 200, 9, 9, 9);
+  qdlflex::cli::write_record(record.get(), folder_.path("more.qdl"), "no_ortho");
+  unsetenv("ZEB_QDLWRITE_OPTIONS");
+  const json points = read(exported("vtu", "more", "--stress"))["point_data"];
+  for (const char *const name : {"displacement [mm]", "rotation [rad]"}) {
+    const json &values = points["Mode 12 (12.5 Hz) " + std::string(name)];
+    ASSERT_EQ(values.size(), 15U) << name;
+    EXPECT_TRUE(values[13][2].is_number()) << name;
+    EXPECT_EQ(values[14], json(std::vector<json>(3))) << name;
+  }
+}
+
+TEST(VtkXmlTest, NamesHaveNoCharactersThatXmlForbids) {
+  const TemporaryFolder folder;
+  qdlflex::cli::OutputFile file(folder.path("names.vtp"));
+  const auto array = qdlflex::cli::vtk_array("a\t\x7f\xc3\xa9<&\"", 1, std::vector<double>());
+  write_vtk({"PolyData", {}, {{"PointData", {array}}}}, file);
+  file.finish();
+  const std::string text = read_text(folder.path("names.vtp"));
+  EXPECT_NE(text.find("Name=\"a????&lt;&amp;&quot;\""), std::string::npos) << text;
 }
 
 TEST_F(VtkTest, ASurfaceHasOuterFacesFreeEdgesAndInterfaceNodes) {

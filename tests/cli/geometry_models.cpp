@@ -85,12 +85,15 @@ void write_panel(const std::string &path) {
 }
 
 void write_plate(const std::string &path) {
-  const Record record(QDL_Create(9, 0));
+  const Record record(QDL_Create(9, 1));
   for (int32_t node = 1; node <= 9; ++node) {
     QDL_SetNodeCoordinates(record.get(), node, 5.0 * ((node - 1) % 3), 5.0 * ((node - 1) / 3), 1.0);
   }
   for (const int32_t node : {1, 2, 4, 5}) {
     QDL_SetFace(record.get(), 4, node, node + 1, node + 4, node + 3);
+  }
+  for (const int32_t node : {1, 5}) {
+    QDL_SetMode(record.get(), 1, node, QDL_MODE_SHAPE, 1, 2, 3, 0, 0, 0);
   }
   write(record.get(), path, "no_ortho");
 }

@@ -77,7 +77,35 @@ TEST_F(OrthonormalizeCommand, TakesABandOfFrequencies) {
       << result.output;
 }
 
+TEST_F(OrthonormalizeCommand, TransformingTheResultKeepsItsTable) {
+  ASSERT_EQ(run("").exit_code, 0);
+  const std::string moved = folder_.path("moved.qdl");
+  const CommandResult result =
+      run_qdlflex("transform " + output_ + " -o " + moved + " --renumber 0");
+  ASSERT_EQ(result.exit_code, 0) << result.errors;
+  QDL_Record *model = QDL_CreateFromQDL(moved.c_str());
+  ASSERT_NE(model, nullptr);
+  EXPECT_EQ(QDL_Exists(model, 6), 1);
+  EXPECT_EQ(QDL_Exists(model, 11), 0);
+  ASSERT_EQ(QDL_ModeCount(model), 4);
+  for (int mode = 1; mode <= 4; ++mode) {
+    double frequency = 0.0;
+    double mass = 0.0;
+    double shape[3] = {};
+    ASSERT_EQ(QDL_Eigenvalue(model, mode, nullptr, &frequency, nullptr, &mass, nullptr), 1);
+    EXPECT_NEAR(frequency, mode, 1e-9);
+    EXPECT_NEAR(mass, 1.0, 1e-12);
+    ASSERT_EQ(QDL_Mode(model, mode, QDL_MODE_SHAPE, shape, 0), 1);
+    EXPECT_NEAR(std::fabs(shape[0]), 1.0, 1e-12);
+  }
+  QDL_UnLink(model);
+}
+
 TEST_F(OrthonormalizeCommand, RefusesWhatItCannotDo) {
+  const CommandResult nothing_left = run("--lowpass 0.5");
+  EXPECT_EQ(nothing_left.exit_code, 1);
+  EXPECT_TRUE(nothing_left.errors.ends_with("qdlflex: error: none of the modes would be left\n"));
+  EXPECT_FALSE(std::filesystem::exists(output_));
   EXPECT_EQ(run("--lowpass nan").exit_code, 2);
   const CommandResult onto_itself = run_qdlflex("orthonormalize " + input_ + " -o " + input_);
   EXPECT_EQ(onto_itself.exit_code, 1);
