@@ -201,8 +201,8 @@ int main(int argc, char **argv) {
 
   model = open_model(argv[1]);
   printf("%s: %d nodes, %d modes\n", argv[1], (int)QDL_NodeCount(model), (int)QDL_ModeCount(model));
-  write_as(model, "no_ortho", argv[2]);
-  write_as(model, "no_ortho,no_xdr,single", argv[3]);
+  write_as(model, "", argv[2]);
+  write_as(model, "no_xdr,single", argv[3]);
 
   printf("\nXDR, double precision: every bit must be the same\n");
   wrong = compare_file(model, argv[2], 0);

@@ -20,6 +20,11 @@ library=$build/qdlflex
 
 title() { printf '\n=== %s ===\n' "$*"; }
 
+compile() {
+  ${CC:-cc} -std=c99 -O2 -Wall -Wextra -I "$examples/../include" "$here/$1.c" -o "$1" \
+    -L "$library" -Wl,-rpath,"$library" -lqdlflex -lm
+}
+
 title "A bracket solved with CalculiX (examples/calculix)"
 cp "$examples"/calculix/*.inp "$output"
 for file in "$examples"/calculix/solved/*.gz; do
@@ -28,15 +33,18 @@ done
 cd "$output"
 ls -l bracket*
 
-title "Import"
+title "Import, orthonormalize, compute the inertia invariants"
 rm -f bracket.qdl bracket-xdr-double.qdl bracket-native-single.qdl
 "$command" import ccx bracket.frd --inp bracket.inp --dat bracket.dat \
   --mass bracket-matrices.mas --dof bracket-matrices.dof \
-  --units mm-N-t-s --options no_ortho -o bracket.qdl
+  --units mm-N-t-s --options full_invar -o bracket.qdl
+
+title "Compare with what the solver printed (examples/demo/compare_with_solver.c)"
+compile compare_with_solver
+./compare_with_solver bracket.qdl bracket.dat
 
 title "Write in two forms, open, compare (examples/demo/demo.c)"
-${CC:-cc} -std=c99 -O2 -Wall -Wextra -I "$examples/../include" "$here/demo.c" -o demo \
-  -L "$library" -Wl,-rpath,"$library" -lqdlflex -lm
+compile demo
 ./demo bracket.qdl bracket-xdr-double.qdl bracket-native-single.qdl
 
 for file in bracket-xdr-double.qdl bracket-native-single.qdl; do
