@@ -1741,7 +1741,7 @@ QDL_API int32_t QDL_RenumberNodes(QDL_Record *model, int32_t offset);
  * QDL_StripCommonFaces(), then QDL_DiscardUnreferencedNodes(). Does nothing once the faces have
  * been stripped, by whichever function.
  * @param model handle; null: reported @return whether the faces have been stripped: 1, also when
- *   nodes could not be discarded. @since 0.1 */
+ *   nodes could not be discarded. @since 0.1, slot 48 */
 QDL_API int32_t QDL_RemoveInternalGeometry(QDL_Record *model);
 
 /** Discards every node that is none of QDL_GeometryNodes(), with its share of mode data, nodal

@@ -62,6 +62,7 @@ const Slot kSlots[] = {
     {44, entry(&QDL_SetFaceList)},
     {46, entry(&QDL_FaceListSize)},
     {47, entry(&QDL_ElementFaces)},
+    {48, entry(&QDL_RemoveInternalGeometry)},
     {49, entry(&QDL_IsCoarsened)},
     {50, entry(&QDL_SetInterfaceNode)},
     {51, entry(&QDL_InterfaceNodeIDs)},

@@ -58,6 +58,7 @@ static const struct {
     {44, "QDL_SetFaceList"},
     {46, "QDL_FaceListSize"},
     {47, "QDL_ElementFaces"},
+    {48, "QDL_RemoveInternalGeometry"},
     {49, "QDL_IsCoarsened"},
     {50, "QDL_SetInterfaceNode"},
     {51, "QDL_InterfaceNodeIDs"},
