@@ -39,6 +39,7 @@ rm -f bracket.qdl bracket-xdr-double.qdl bracket-native-single.qdl
   --mass bracket-matrices.mas --dof bracket-matrices.dof \
   --units mm-N-t-s --options full_invar -o bracket.qdl
 
+# The invariants are those of all nodes; the file keeps the nodes that faces use.
 title "Compare with what the solver printed (examples/demo/compare_with_solver.c)"
 compile compare_with_solver
 ./compare_with_solver bracket.qdl bracket.dat
