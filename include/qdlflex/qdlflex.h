@@ -1710,11 +1710,10 @@ QDL_API int32_t QDL_Rotate(QDL_Record *model, const double *axis, const double *
 
 /** Moves the body. The global mass properties are brought up to date with invariants 1, 2 and 7
  * first, as by QDL_CalculateGlobalMassFromNodeMass(). Invariants that the library computed follow
- * exactly. Of those that a setter or a file supplied, 2, 4 and 7 are summed anew over nodal masses;
- * where these do not sum up to invariant 1, as in a file whose writer discarded nodes, they follow
- * with the help of invariants 1, 2 and 3. 8, or 4 without nodal masses, follow with the help of
- * invariant 3. Where something is missing an error is reported for each and the invariant stays,
- * while everything else is moved.
+ * exactly. Of those that a setter or a file supplied, 2, 4 and 7 are summed anew over the nodal
+ * masses, which are not the whole body's in a file whose writer discarded nodes; 8, or 4 without
+ * nodal masses, follow with the help of invariant 3. Where something is missing an error is reported
+ * for each and the invariant stays, while everything else is moved.
  * @param model handle; null: reported @param direction any length @param distance length
  * @return 1; 0 also when an invariant stays behind. @since 0.1, slot 159 */
 QDL_API int32_t QDL_Translate(QDL_Record *model, const double *direction, double distance);

@@ -1,7 +1,6 @@
 #include "geometry/moved_invariants.h"
 
 #include <algorithm>
-#include <cmath>
 #include <initializer_list>
 #include <span>
 
@@ -159,20 +158,6 @@ void report_impossible(int number) {
   }
 }
 
-/// Whether the masses of the nodes are all of the body's. A writer discards nodes, but a file's
-/// invariants are still those of the whole body, and a setter's may count what no node carries:
-/// sums over the nodes would not match invariant 1 then.
-bool nodes_make_up_body(const QDL_Record &record) {
-  constexpr double kTolerance = 1e-9;
-  if (!present(record, Block::kNodalMasses) || record.mass_pruned)
-    return false;
-  if (record.invariants[1].origin != Origin::kSupplied)
-    return true;
-  const double mass = record.invariants[1].values[0];
-  const double sum = derive_rigid_invariant(record, 1).front();
-  return std::fabs(sum - mass) <= kTolerance * std::fabs(mass);
-}
-
 /// Those that depend on the place of the body.
 constexpr auto kPlaced = {2, 4, 7, 8};
 
@@ -198,8 +183,8 @@ void InvariantShift::choose(const QDL_Record &record, int number) {
   const bool derived =
       record.invariants[static_cast<std::size_t>(number)].origin == Origin::kDerived;
   const bool nodal = present(record, Block::kNodalMasses);
-  // What was derived is a sum over the present nodes unless some have been discarded since.
-  const bool summable = nodal && (derived ? !record.mass_pruned : nodes_make_up_body_);
+  // Sums over the nodes that pruning has left would miss the mass of the others.
+  const bool summable = nodal && !record.mass_pruned;
   switch (number) {
     case 2:
     case 7:
@@ -225,7 +210,6 @@ void InvariantShift::choose_held(const QDL_Record &record) {
 }
 
 bool InvariantShift::prepare(QDL_Record &record, const Vector3 &offset) {
-  nodes_make_up_body_ = nodes_make_up_body(record);
   // What is derived further down follows too, but is nothing that the record is known to hold.
   choose_held(record);
   for (const int number : {1, 2, 7}) {

@@ -35,7 +35,6 @@ class InvariantShift {
   Update &update(int number) { return updates_[static_cast<std::size_t>(number)]; }
 
   std::array<Update, 10> updates_{};
-  bool nodes_make_up_body_ = false;
   std::vector<double> moments_;  // invariant 4 summed anew
 };
 
