@@ -1764,8 +1764,8 @@ QDL_API int32_t QDL_DiscardUnreferencedNodes(QDL_Record *model);
  * @param model handle; null: reported @param origin 3 values (length); null: not moved
  * @param newModeCount number of modes afterwards, 0 or more
  * @param massFactor factor of nodal masses and inertias
- * @param coeff M x newModeCount coefficients, column by column those of a new mode; null: mode data
- *   stays, and the mode count only ever shrinks
+ * @param coeff M x newModeCount coefficients, row by row, a column for each new mode; null: mode
+ *   data stays, and the mode count only ever shrinks
  * @param rotation 3 x 3 matrix, used as by Vector_Transform(); null: not turned
  * @return 1; 0 with nothing changed. @since 0.1, slot 165 */
 QDL_API int32_t QDL_PermuteQDL(QDL_Record *model, const double *origin, int32_t newModeCount,

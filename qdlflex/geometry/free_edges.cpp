@@ -3,7 +3,6 @@
 #include <qdlflex/qdlflex.h>
 #include <qdlflex/free_edges.hpp>
 
-#include "geometry/prune.h"
 #include "record/faces.h"
 #include "support/boundary.h"
 #include "support/item_at.h"
@@ -45,7 +44,7 @@ void find_free_edges(QDL_Record &record) {
 
 /// Nothing is reported but what removing the internal geometry has to say.
 bool generate(QDL_Record &record) {
-  return remove_internal_geometry(record) && with_memory([&] { find_free_edges(record); });
+  return QDL_RemoveInternalGeometry(&record) != 0 && with_memory([&] { find_free_edges(record); });
 }
 
 /// The identifiers of a chain; null when there is no such chain.

@@ -49,7 +49,8 @@ bool write_encoded(File &file, std::int64_t position, std::span<const double> va
 
 std::optional<ModeRewrite> ModeRewrite::begin(const QDL_Record &record, std::int32_t kind,
                                               std::int32_t modes, std::int32_t nodes,
-                                              Measure measure, const char *closing) {
+                                              Measure measure, const char *closing,
+                                              void (*opened)(const std::string &file)) {
   const Backing &present = record.mode_data[static_cast<std::size_t>(kind)].backing;
   Backing made;
   made.channel.double_precision = present.channel.double_precision;
@@ -60,6 +61,8 @@ std::optional<ModeRewrite> ModeRewrite::begin(const QDL_Record &record, std::int
     report_unable_to_write(name, closing);
     return std::nullopt;
   }
+  if (opened != nullptr)
+    opened(name);
   if (!lay_out(made, modes, std::max(nodes, record.planned_nodes))) {
     report_insufficient_space(name);
     return std::nullopt;

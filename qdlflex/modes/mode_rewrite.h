@@ -22,11 +22,12 @@ class ModeRewrite {
 
   /// A fresh file for so many modes of so many nodes, all zero, in the host's byte order and with
   /// the kind's own precision. A record under construction keeps the room for nodes that it has
-  /// planned. `closing` ends the error text of a file that can't be made. None after a reported
-  /// failure.
+  /// planned. `opened` is told of the file before its space is taken, `closing` ends the error
+  /// text of a file that can't be made. None after a reported failure.
   static std::optional<ModeRewrite> begin(const QDL_Record &record, std::int32_t kind,
                                           std::int32_t modes, std::int32_t nodes, Measure measure,
-                                          const char *closing = ".");
+                                          const char *closing = ".",
+                                          void (*opened)(const std::string &file) = nullptr);
 
   const std::string &file_name() const { return backing_.channel.file->name(); }
 

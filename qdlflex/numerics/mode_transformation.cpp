@@ -25,6 +25,10 @@ namespace {
 constexpr const char *kArea = "qdlwrite";
 constexpr std::array<int, 5> kModalInvariants = {3, 4, 5, 8, 9};
 
+void announce_file(const std::string &name) {
+  QDL_Info("Orthogonal mode file: %s", name.c_str());
+}
+
 /// Old and new modes of a range of nodes that are in memory together.
 class Slab {
  public:
@@ -207,11 +211,11 @@ std::optional<ModeRewrite> combine_modes(QDL_Record &record, std::int32_t kind,
                                          std::int32_t new_modes,
                                          std::span<const double> coefficients) {
   const ModesNotKept not_kept(record);
-  std::optional<ModeRewrite> rewrite = ModeRewrite::begin(
-      record, kind, new_modes, mode_node_count(record, kind), ModeRewrite::Measure::kCurrentUnits);
+  std::optional<ModeRewrite> rewrite =
+      ModeRewrite::begin(record, kind, new_modes, mode_node_count(record, kind),
+                         ModeRewrite::Measure::kCurrentUnits, ".", announce_file);
   if (!rewrite)
     return std::nullopt;
-  QDL_Info("Orthogonal mode file: %s", rewrite->file_name().c_str());
   const bool combined =
       new_modes == 0 || combine_slabs(record, kind, new_modes, coefficients, *rewrite);
   return combined && rewrite->finish() ? std::move(rewrite) : std::nullopt;

@@ -1,5 +1,7 @@
 #include "numerics/rigid_invariants.h"
 
+#include "record/invariant_layout.h"
+
 namespace qdlflex {
 namespace {
 
@@ -33,16 +35,18 @@ std::vector<double> from_nodes(const QDL_Record &record, int number) {
 
 /// Without a global mass the centre and the inertia count as unknown too.
 std::vector<double> from_global_mass(const QDL_Record &record, int number) {
-  GlobalMass global = record.global_mass;
+  const GlobalMass &global = record.global_mass;
   if (global.mass == 0.0)
-    global = {};
+    return std::vector<double>(invariant_shape(number, 0).size());
   switch (number) {
     case 1:
       return {global.mass};
-    case 2:
-      for (double &value : global.centre)
+    case 2: {
+      Vector3 moment = global.centre;
+      for (double &value : moment)
         value *= global.mass;
-      return list_of(global.centre);
+      return list_of(moment);
+    }
     default:
       return list_of(negate_products(global.inertia));
   }

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <climits>
 #include <cstring>
 #include <utility>
 #include <vector>
@@ -80,13 +81,15 @@ FileIdentity identity_of(const std::string &name) {
 
 void remove_regular_file(const std::string &name) {
   struct stat status {};
+  // Nothing is allocated: a file must go when there is no memory left, too.
+  char target[PATH_MAX];
   if (file_fault(FileOperation::kRemove))
     return;
   // A link stays, what it leads to goes.
-  const std::unique_ptr<char, decltype(&std::free)> target(::realpath(name.c_str(), nullptr),
-                                                           &std::free);
-  if (target != nullptr && ::stat(target.get(), &status) == 0 && S_ISREG(status.st_mode))
-    ::unlink(target.get());
+  if (::realpath(name.c_str(), target) != nullptr && ::stat(target, &status) == 0 &&
+      S_ISREG(status.st_mode)) {
+    ::unlink(target);
+  }
 }
 
 FileSizeSignalBlock::FileSizeSignalBlock() {
