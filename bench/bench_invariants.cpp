@@ -8,11 +8,11 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 #include <string>
 #include <vector>
 
 #include "bench/open_blas.h"
+#include "bench/peak_memory.h"
 #include "bench/sample.h"
 
 namespace qdlflex::bench {
@@ -22,38 +22,10 @@ constexpr std::int32_t kNodes = 100'000;
 constexpr std::int32_t kModes = 100;
 constexpr int kRows = 3 * kModes;
 
-// From /proc/self/status, in KiB.
-double resident_memory(const char *entry) {
-  std::FILE *status = std::fopen("/proc/self/status", "r");
-  char line[256];
-  double kibibytes = 0.0;
-  while (status != nullptr && std::fgets(line, sizeof line, status) != nullptr) {
-    if (std::string(line).starts_with(entry))
-      kibibytes = std::strtod(line + std::string(entry).size(), nullptr);
-  }
-  if (status != nullptr)
-    std::fclose(status);
-  return kibibytes;
-}
-
-void forget_peak() {
-  if (std::FILE *file = std::fopen("/proc/self/clear_refs", "w")) {
-    std::fputs("5", file);
-    std::fclose(file);
-  }
-}
-
 // Setting a mass drops what was derived from it.
 void compute(QDL_Record *model) {
   QDL_SetNodalMass(model, 1, 1.0);
   QDL_FullComputeInvars(model);
-}
-
-double peak_mebibytes(QDL_Record *model) {
-  forget_peak();
-  const double before = resident_memory("VmRSS:");
-  compute(model);
-  return (resident_memory("VmHWM:") - before) / 1024;
 }
 
 // Column n holds the translations of all modes at node n.
@@ -95,7 +67,7 @@ void full_invariants(benchmark::State &state) {
   QDL_SetKeepModesInMemory(model, 0);
   for (std::int32_t node = 1; node <= kNodes; ++node)
     QDL_SetNodalMass(model, node, 1.0);
-  const double peak = peak_mebibytes(model);
+  const double peak = peak_memory([&] { compute(model); });
 
   const std::vector<double> matrix = translations(model);
   std::vector<double> product(std::size_t{kRows} * kRows);
@@ -111,7 +83,7 @@ void full_invariants(benchmark::State &state) {
   compare_results(model, product);
   compare(
       state, comparison, [&] { compute(model); }, multiply);
-  state.counters["peak_mib"] = peak;
+  state.counters["peak_MiB"] = peak;
 }
 const bool registered = register_row("full_invariants", full_invariants);
 

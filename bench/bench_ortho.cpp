@@ -1,7 +1,6 @@
 // Orthonormalizing a whole model beside the two calls that do the same arithmetic in memory.
 
 #include <qdlflex/qdlflex.h>
-#include <sys/resource.h>
 
 #include <algorithm>
 #include <cmath>
@@ -9,6 +8,7 @@
 
 #include "bench/compare.h"
 #include "bench/lapack.h"
+#include "bench/peak_memory.h"
 #include "bench/sample.h"
 
 namespace {
@@ -17,12 +17,6 @@ using namespace qdlflex::bench;
 
 constexpr std::int32_t kNodes = 20000;
 constexpr std::int32_t kModes = 100;
-
-double peak_megabytes() {
-  rusage usage{};
-  getrusage(RUSAGE_SELF, &usage);
-  return static_cast<double>(usage.ru_maxrss) / 1024.0;
-}
 
 void set_matrices(QDL_Record *model, const Problem &problem) {
   for (std::int32_t row = 0; row < kModes; ++row)
@@ -80,14 +74,12 @@ void orthonormalize_model(benchmark::State &state) {
   const Model model(QDL_Create(kNodes, kModes));
   set_nodes(model, kNodes);
   set_modes(model, kNodes, kModes);
-  const double before = peak_megabytes();
-  orthonormalize(model, problem);
+  const double peak = peak_memory([&] { orthonormalize(model, problem); });
   require(has_eigenvalues(model, problem), "the eigenvalues are right");
-  const double peak = peak_megabytes() - before;
   Peer peer(problem);
   compare(
       state, comparison, [&] { orthonormalize(model, problem); }, [&] { peer.run(problem); });
-  state.counters["peak_mb"] = peak;
+  state.counters["peak_MiB"] = peak;
 }
 const bool registered = register_row("orthonormalize_model", orthonormalize_model);
 

@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "bench/compare.h"
+#include "bench/peak_memory.h"
 #include "bench/sample.h"
 #include "modes/mode_rewrite.h"
 #include "modes/mode_store.h"
@@ -142,25 +143,6 @@ bool has_modes(QDL_Record *model, const Size &size, const Values &expected) {
   return true;
 }
 
-// MiB by which a job raises the memory of the process at most; less than 0 where that is not told.
-double peak_memory(QDL_Record *model, const Size &size, const Values &coefficients) {
-  const auto told = [](const std::string &wanted) {
-    std::ifstream status("/proc/self/status");
-    std::string name;
-    double kilobytes = 0.0;
-    while (status >> name) {
-      if (name == wanted && status >> kilobytes)
-        return kilobytes / 1024.0;
-      status.ignore(1000, '\n');
-    }
-    return -1.0;
-  };
-  std::ofstream("/proc/self/clear_refs") << "5";
-  const double before = told("VmRSS:");
-  transform(model, size, coefficients);
-  return told("VmHWM:") - before;
-}
-
 void dense(benchmark::State &state, const Size &size) {
   const Comparison comparison{"combine " + size.text() + ", file to file",
                               "`dgemm` of OpenBLAS, memory to memory", 0.5};
@@ -181,7 +163,7 @@ void dense(benchmark::State &state, const Size &size) {
   };
 
   const Model model(model_of(size, modes));
-  const double memory = peak_memory(model, size, coefficients);
+  const double memory = qdlflex::bench::peak_memory([&] { transform(model, size, coefficients); });
   multiply();
   require(has_modes(model, size, product), "the modes are those of dgemm");
   compare(
@@ -211,7 +193,7 @@ void sparse(benchmark::State &state, const char *name, const Size &size, std::si
         mode % 2 == 0 ? modes[v] : -modes[v];
   }
   const Model model(model_of(size, modes));
-  const double memory = peak_memory(model, size, coefficients);
+  const double memory = qdlflex::bench::peak_memory([&] { transform(model, size, coefficients); });
   require(has_modes(model, size, expected), "the modes are where the matrix puts them");
 
   const qdlflex::bench::Folder folder;
