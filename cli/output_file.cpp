@@ -28,6 +28,10 @@ OutputFile::~OutputFile() {
 }
 
 void OutputFile::write(std::string_view bytes) {
+  // An empty list may have no place in memory, which the C library must not be given.
+  if (bytes.empty()) {
+    return;
+  }
   if (std::fwrite(bytes.data(), 1, bytes.size(), file_.get()) != bytes.size()) {
     fail();
   }
