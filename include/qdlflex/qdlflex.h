@@ -1351,8 +1351,8 @@ QDL_API double *QDL_Invar9(QDL_Record *model, int32_t index_i, int32_t index_k);
 QDL_API void QDL_FastComputeInvars(QDL_Record *model);
 
 /** The same for all invariants, with "Computing *all* invariants" and "There is insufficient mass
- * data to compute a full set of mass invariants.\\nSome or all mass invariants will be set to zero."
- * Takes time in proportion to nodes times the square of the modes.
+ * data to compute a full set of mass invariants.\\nSome or all mass invariants will be set to
+ * zero." Takes time in proportion to nodes times the square of the modes.
  * @param model handle; null: reported. @since 0.1 */
 QDL_API void QDL_FullComputeInvars(QDL_Record *model);
 
@@ -1712,8 +1712,8 @@ QDL_API int32_t QDL_Rotate(QDL_Record *model, const double *axis, const double *
  * first, as by QDL_CalculateGlobalMassFromNodeMass(). Invariants that the library computed follow
  * exactly. Of those that a setter or a file supplied, 2, 4 and 7 are summed anew over the nodal
  * masses, which are not the whole body's in a file whose writer discarded nodes; 8, or 4 without
- * nodal masses, follow with the help of invariant 3. Where something is missing an error is reported
- * for each and the invariant stays, while everything else is moved.
+ * nodal masses, follow with the help of invariant 3. Where something is missing an error is
+ * reported for each and the invariant stays, while everything else is moved.
  * @param model handle; null: reported @param direction any length @param distance length
  * @return 1; 0 also when an invariant stays behind. @since 0.1, slot 159 */
 QDL_API int32_t QDL_Translate(QDL_Record *model, const double *direction, double distance);

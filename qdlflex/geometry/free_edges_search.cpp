@@ -48,15 +48,7 @@ struct PlacedEdge {
 /// equal edges meet in one group. Where keys are node indices a group has a few edges.
 class KeyRanges {
  public:
-  explicit KeyRanges(std::span<const Ends> edges) {
-    const auto by_key = [](Ends a, Ends b) { return smaller_key(a) < smaller_key(b); };
-    const auto [lowest, highest] = std::ranges::minmax_element(edges, by_key);
-    lowest_ = smaller_key(*lowest);
-    const auto range = static_cast<std::uint64_t>(smaller_key(*highest) - lowest_);
-    while (range >> shift_ >= edges.size())
-      ++shift_;
-    count_ = static_cast<std::size_t>(range >> shift_) + 1;
-  }
+  explicit KeyRanges(std::span<const Ends> edges) : KeyRanges(extremes(edges), edges.size()) {}
 
   std::size_t count() const { return count_; }
   std::size_t of(Ends ends) const {
@@ -64,6 +56,24 @@ class KeyRanges {
   }
 
  private:
+  struct Extremes {
+    std::int64_t lowest = 0;
+    std::int64_t highest = 0;
+  };
+
+  static Extremes extremes(std::span<const Ends> edges) {
+    const auto by_key = [](Ends a, Ends b) { return smaller_key(a) < smaller_key(b); };
+    const auto [lowest, highest] = std::ranges::minmax_element(edges, by_key);
+    return {smaller_key(*lowest), smaller_key(*highest)};
+  }
+
+  KeyRanges(const Extremes &keys, std::size_t edges) : lowest_(keys.lowest) {
+    const auto range = static_cast<std::uint64_t>(keys.highest - keys.lowest);
+    while (range >> shift_ >= edges)
+      ++shift_;
+    count_ = static_cast<std::size_t>(range >> shift_) + 1;
+  }
+
   std::int64_t lowest_ = 0;
   int shift_ = 0;
   std::size_t count_ = 0;

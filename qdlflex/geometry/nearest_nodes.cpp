@@ -24,7 +24,8 @@ struct Hit {
   double distance = kInfinity;  // squared
   std::int32_t rank = std::numeric_limits<std::int32_t>::max();
 
-  friend auto operator<=>(const Hit &, const Hit &) = default;
+  // The check takes what the compiler makes of this for a null pointer.
+  friend auto operator<=>(const Hit &, const Hit &) = default;  // NOLINT(modernize-use-nullptr)
 };
 
 /// The nodes that a query looks at: the interface nodes where they are wanted and there are any,

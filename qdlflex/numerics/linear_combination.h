@@ -22,8 +22,8 @@ class LinearCombination {
   /// So many new vectors are computed at once.
   static constexpr std::size_t kGroup = 4;
 
-  /// Eight numbers for the processor's vector registers: a line of its cache. The vectors alone would
-  /// not make the struct as aligned as the wider registers want it.
+  /// Eight numbers for the processor's vector registers: a line of its cache. The vectors alone
+  /// would not make the struct as aligned as the wider registers want it.
   struct alignas(64) Strip {
     using Four [[gnu::vector_size(32)]] = double;
     Four low, high;
