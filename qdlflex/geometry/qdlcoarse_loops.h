@@ -28,7 +28,8 @@ class LoopCutter {
   struct Repeat {
     std::int32_t node = 0;
     Place place = 0;
-    auto operator<=>(const Repeat &) const = default;
+    // The check takes what the compiler makes of this for a null pointer.
+    auto operator<=>(const Repeat &) const = default;  // NOLINT(modernize-use-nullptr)
   };
 
   bool find_repeats(std::span<const std::int32_t> polygon);
