@@ -53,7 +53,7 @@ std::string formatted(const char *format, auto... values) {
 
 /// "Mode 07 (812.5 Hz)"; numbers get equal widths so that viewers sort them.
 std::string mode_title(QDL_Record *record, int32_t mode, size_t width, const FieldUnits &units) {
-  const std::string title = formatted("Mode %0*d", static_cast<int>(width), mode);
+  std::string title = formatted("Mode %0*d", static_cast<int>(width), mode);
   double frequency = 0.0;
   if (QDL_Eigenvalue(record, mode, nullptr, &frequency, nullptr, nullptr, nullptr) == 0) {
     return title;
@@ -263,8 +263,11 @@ std::vector<VtkArray> mode_fields(QDL_Record *record, const std::vector<int32_t>
     source->stress_places = stress_places(record, nodes);
   }
   const FieldUnits units = field_units(record);
-  const std::string factor =
-      options.scale == 1.0 ? std::string() : formatted(" x %.6g", options.scale);
+  std::string displacement = " displacement";
+  if (options.scale != 1.0) {
+    displacement += formatted(" x %.6g", options.scale);
+  }
+  displacement += " [" + units.length + "]";
   size_t width = 1;
   for (const int32_t mode : modes) {
     width = std::max(width, std::to_string(mode).size());
@@ -273,8 +276,7 @@ std::vector<VtkArray> mode_fields(QDL_Record *record, const std::vector<int32_t>
   for (const int32_t mode : modes) {
     const std::string title = mode_title(record, mode, width, units);
     if (shapes) {
-      fields.push_back(vectors(title + " displacement" + factor + " [" + units.length + "]", source,
-                               mode, 0, options.scale));
+      fields.push_back(vectors(title + displacement, source, mode, 0, options.scale));
       if (has_rotation(source->reader, mode)) {
         fields.push_back(vectors(title + " rotation [rad]", source, mode, 1, 1.0));
       }
