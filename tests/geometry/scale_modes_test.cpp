@@ -79,9 +79,9 @@ TEST_F(ScaleModes, ScalesTheInvariantsWithTheModeShapesOnly) {
   QDL_Record *model = open(build_file(60));
   EXPECT_EQ(QDL_ScaleModes(model, QDL_MODE_STRESS, 3.0), 1);
   EXPECT_EQ(QDL_ScaleModes(model, QDL_MODE_SHAPE, 3.0), 1);
-  for (const std::size_t number : {3, 4, 8})
+  for (const std::size_t number : {3U, 4U, 8U})
     EXPECT_EQ(model->invariants[number].values, times(3.0, sample.invariants[number]));
-  for (const std::size_t number : {5, 9})
+  for (const std::size_t number : {5U, 9U})
     EXPECT_EQ(model->invariants[number].values, times(9.0, sample.invariants[number]));
 }
 
