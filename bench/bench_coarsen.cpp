@@ -154,7 +154,7 @@ class Simplifier {
       for (const double coordinate : node)
         positions_.push_back(static_cast<float>(coordinate));
     for (const Quad &quad : surface.quads)
-      for (const std::size_t corner : {0, 1, 2, 0, 2, 3})
+      for (const std::size_t corner : {0U, 1U, 2U, 0U, 2U, 3U})
         indices_.push_back(static_cast<unsigned>(quad[corner]));
     result_.resize(indices_.size());
   }

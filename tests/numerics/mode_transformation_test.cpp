@@ -75,14 +75,14 @@ std::vector<std::uint64_t> bits(const Values &values) {
 
 TEST(LinearCombination, EqualsThePlainSumBitForBit) {
   const std::size_t old_count = 13;
-  for (const std::size_t new_count : {1, 2, 4, 7, 16}) {
+  for (const std::size_t new_count : {1U, 2U, 4U, 7U, 16U}) {
     Values matrix = random_values(old_count * new_count, 1);
     // Zeros here and there, and a column and a row of nothing else.
     for (std::size_t k = 0; k < matrix.size(); ++k) {
       if (k % 5 == 1 || k / new_count == 3 || k % new_count == 6)
         matrix[k] = k % 2 == 0 ? 0.0 : -0.0;
     }
-    for (const std::size_t length : {1, 8, 31, 32, 203}) {
+    for (const std::size_t length : {1U, 8U, 31U, 32U, 203U}) {
       Values old_vectors = random_values(old_count * length, 2);
       old_vectors[3 * length] = std::numeric_limits<double>::quiet_NaN();  // its row is zero
       Values combined(new_count * length, 99.0);
