@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <cstdlib>
 #include <new>
 
@@ -14,7 +15,7 @@ namespace {
 
 struct Plan {
   std::size_t until_fault = 0;  // 0: nothing fails
-  bool ever_after = false;
+  std::size_t faults_left = 0;
   bool fired = false;
 };
 
@@ -35,7 +36,7 @@ bool must_fail(qdltest::Door door) {
     --plan.until_fault;
     return false;
   }
-  if (!plan.ever_after)
+  if (--plan.faults_left == 0)
     plan.until_fault = 0;
   plan.fired = true;
   return true;
@@ -148,7 +149,10 @@ void operator delete[](void *block, std::align_val_t, const std::nothrow_t &) no
 namespace qdltest {
 
 Fault::Fault(Door door, std::size_t n, Persistence persistence) : door_(door) {
-  plan_of(door) = {n, persistence == Persistence::kEverAfter, false};
+  const std::size_t faults = persistence == Persistence::kOnce    ? 1
+                             : persistence == Persistence::kTwice ? 2
+                                                                  : SIZE_MAX;
+  plan_of(door) = {n, faults, false};
   if (door == Door::kMemory)
     qdlflex::set_allocation_fault(caller_array_fails);
   else

@@ -11,9 +11,11 @@ namespace qdltest {
 // What fails: memory (operator new and the arrays for callers), or an operation on a file.
 enum class Door { kMemory, kFile };
 
-enum class Persistence { kOnce, kEverAfter };
+// Twice: the next use fails too, which is often what handles the first failure.
+enum class Persistence { kOnce, kTwice, kEverAfter };
 
-// While it lives, the n-th use of the door from its creation on fails (and all later ones too).
+// While it lives, the n-th use of the door from its creation on fails (and the next one, or all
+// later ones, too).
 class Fault {
  public:
   Fault(Door door, std::size_t n, Persistence persistence);
@@ -69,7 +71,9 @@ std::size_t sweep(Door door, Persistence persistence, Run run, Check check) {
   for (std::size_t n = 1; n < kLimit; ++n) {
     SCOPED_TRACE(testing::Message()
                  << (door == Door::kMemory ? "allocation " : "file operation ") << n << " fails"
-                 << (persistence == Persistence::kOnce ? "" : " and all later"));
+                 << (persistence == Persistence::kOnce    ? ""
+                     : persistence == Persistence::kTwice ? " and the next"
+                                                          : " and all later"));
     bool fired = false;
     const auto result = [&] {
       const Fault fault(door, n, persistence);
