@@ -231,7 +231,8 @@ bool BlockWriter::monitor_points() {
 }
 
 bool BlockWriter::monitor_point(const MonitorPoint &point) {
-  const auto rows = static_cast<std::size_t>(std::max(point.rows, 0));
+  // Without modes the rows are empty, and nothing bounds how many a file says there are.
+  const auto rows = static_cast<std::size_t>(modes() == 0 ? 0 : std::max(point.rows, 0));
   const auto columns = static_cast<std::size_t>(point.columns);
   std::int32_t blocks = 0;
   for (std::int32_t number = 0; number < 4; ++number) {

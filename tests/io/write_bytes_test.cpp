@@ -106,6 +106,12 @@ TEST_F(WriteBytes, BodyWithoutModes) {
     point.mask = 0;
   }
   expect_written(record, "", build_file(316, blocks, content));
+  // A file may tell of any number of rows then.
+  content.monitor_points[0].rows = INT32_MAX;
+  content.monitor_points[0].row_blocks = INT32_MAX;
+  content.monitor_points[0].mask = 15;
+  const SampleFile rows_without_values = build_file(316, blocks, content);
+  expect_written(open(rows_without_values), "", rows_without_values);
 }
 
 // Each block left out in turn: none depends on its neighbours.
