@@ -359,17 +359,14 @@ std::int64_t size_without_file(const QDL_Record &record, Block block) {
   }
 }
 
-std::int64_t size_in_file(QDL_Record &record, Block block) {
-  File &file = *record.source.file;
-  const std::int64_t before = file.tell();
-  std::int64_t size = 0;
-  if (seek_block(record, block)) {
-    Source source(file, source_encoding(record));
-    size = Measure(record, source).block(block);
-  }
-  if (before >= 0)
-    file.seek(before);
-  return size < 0 ? 0 : size;
+/// What the table of contents tells: nothing for the last block and for one that could not be
+/// measured.
+std::int64_t size_in_file(const QDL_Record &record, Block block) {
+  if (!present(record, block) || !in_file(record, block))
+    return 0;
+  const auto next = static_cast<std::size_t>(block_index(block)) + 1;
+  const bool measured = static_cast<std::int32_t>(next) < record.contents.unknown_from;
+  return measured ? record.contents.offsets[next] - record.contents.offsets[next - 1] : 0;
 }
 
 }  // namespace

@@ -65,7 +65,6 @@ class BlockReader {
   /// Runs a step at the block's place when the record's file has the block. `no_memory` is the
   /// block's text for memory that could not be had; without one the general text is given.
   bool read(Block block, const char *no_memory, Step step, int line = __builtin_LINE());
-  bool read_mode_like(Block block, std::int32_t kind, const char *no_memory, Step step);
   void report_unreachable(Block block) const;
 
   Reading read_units();
@@ -115,7 +114,7 @@ class BlockReader {
   bool set_node_set(std::int32_t kind, const std::vector<std::int32_t> &ids);
   bool locate_modes(std::int32_t kind, const ModeHead &head, std::vector<std::int32_t> &numbers);
   bool read_mode_head(ModeHead &head, std::vector<std::int32_t> &ids);
-  bool head_fits(ModeHead &head) const;
+  bool head_fits(const ModeHead &head) const;
 
   /// The node with an identifier; one that has none is created where the file lists no nodes of its
   /// own. Blocks mostly list the nodes in order, so the one after the last found is tried first.

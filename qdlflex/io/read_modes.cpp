@@ -87,7 +87,7 @@ bool BlockReader::read_mode_head(ModeHead &head, std::vector<std::int32_t> &ids)
   return head_fits(head);
 }
 
-bool BlockReader::head_fits(ModeHead &head) const {
+bool BlockReader::head_fits(const ModeHead &head) const {
   // Modes without values would take no bytes, so that nothing would bound their number.
   if (head.nodes == 0 && head.modes > 0)
     return false;

@@ -547,6 +547,17 @@ TEST_F(Reading, BlockIndicesOutsideTheFileAreRefused) {
   expect_no_messages();
 }
 
+// Without a node in the block nothing is read, but the block has its size.
+TEST_F(Reading, SizesAreKnownEvenWhereReadingFails) {
+  const std::string name = path("no_nodes.qdl");
+  SampleFile sample = build_file(60, {4, 11});
+  sample.patch_count("4.N", 0);
+  write_file(name, sample.bytes);
+  QDL_Record *record = QDL_Create(0, 0);
+  EXPECT_EQ(QDL_ReadQDL(record, File_Open(name.c_str(), "rb"), name.c_str()), 0);
+  EXPECT_EQ(QDL_size_of_block(record, 3), 8);
+}
+
 TEST_F(Reading, ReadsIntoARecordOfTheCaller) {
   const SampleFile sample = build_file(60);
   const std::string name = file("own.qdl", sample.bytes);
