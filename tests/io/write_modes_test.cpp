@@ -128,14 +128,6 @@ TEST_F(WriteModes, ForeignStressNodes) {
   }
 }
 
-// Files whose nodes come in another order than their mode shapes.
-TEST_F(WriteModes, NodesFollowTheModeShapes) {
-  SampleModel source = content_;
-  std::swap(source.nodes[0], source.nodes[2]);
-  SampleModel written = content_;
-  expect_written(open(build_file(60, blocks_, source)), "", build_file(316, blocks_, written));
-}
-
 TEST_F(WriteModes, ValuesInTheCacheAreNotPreferred) {
   QDL_Record *record = open(build_file(60, blocks_, content_));
   std::vector<double> half(12, 7.0);
@@ -149,52 +141,50 @@ TEST_F(WriteModes, ValuesInTheCacheAreNotPreferred) {
 // --- Units ------------------------------------------------------------------------------------
 
 // Modes lie in their file as they were set; what is written is in the units of the model.
-class WriteUnits : public WriteModes, public testing::WithParamInterface<bool> {};
-
-TEST_P(WriteUnits, ModesAreWrittenInCurrentUnits) {
-  const bool from_file = GetParam();
-  QDL_Record *record =
-      from_file ? open(build_file(60, blocks_, content_)) : build_record(content_, blocks_);
-  ASSERT_EQ(QDL_SetUnits(record, "GRAM", "METER", "MILLISECOND", "MILLINEWTON"), 1);
-  // After the change values are set in the new units.
-  const std::vector<double> vector = {1, 2, 3, 4, 5, 6};
-  ASSERT_EQ(QDL_SetModeVec(record, 1, 40, QDL_MODE_SHAPE, vector.data()), 1);
-  ASSERT_EQ(QDL_SetModeVec(record, 1, 40, QDL_MODE_STRESS, vector.data()), 1);
-  for (const std::string options : {"", "full_str no_xdr"}) {
-    SCOPED_TRACE(options);
-    ASSERT_EQ(write(record, options), 1);
-    QDL_Record *copy = QDL_CreateFromQDL(path("written.qdl").c_str());
-    ASSERT_NE(copy, nullptr);
-    const auto expect_node = [&](std::int32_t kind, std::int32_t number, std::int32_t node_id,
-                                 const std::vector<double> &expected) {
-      SCOPED_TRACE(testing::Message()
-                   << "kind " << kind << ", mode " << number << ", node " << node_id);
-      std::array<double, 6> six{};
-      const std::int32_t node = QDL_ModeNodeIndex(copy, kind, node_id);
-      EXPECT_EQ(QDL_ModeByNode(copy, number, kind, node, six.data(), 0), 1);
-      EXPECT_EQ(QDL_ModeByNode(copy, number, kind, node, six.data() + 3, 1), 1);
-      for (std::size_t c = 0; c < 6; ++c)
-        EXPECT_DOUBLE_EQ(six[c], expected[c]);
-    };
-    const auto scaled = [](std::vector<double> six, double first, double second) {
-      for (std::size_t c = 0; c < 6; ++c)
-        six[c] *= c < 3 ? first : second;
-      return six;
-    };
-    expect_node(QDL_MODE_SHAPE, 1, 40, vector);
-    expect_node(QDL_MODE_STRESS, 1, 40, vector);
-    // Lengths by 1/1000; a newton per square millimetre is 1e9 millinewton per square metre.
-    expect_node(QDL_MODE_SHAPE, 3, 23, scaled(values_of(content_.mode_shapes, 1, {23}), 1e-3, 1.0));
-    expect_node(QDL_MODE_STRESS, 3, 7, scaled(values_of(content_.stress, 1, {7}), 1e9, 1e9));
-    expect_node(QDL_MODE_STRAIN, 3, 23, values_of(content_.strain, 1, {23}));
-    // Statistics are of what is written.
-    EXPECT_DOUBLE_EQ(copy->statistics.modes[1].values[2], 1e9 * content_.statistics[1].values[2]);
-    QDL_UnLink(copy);
+TEST_F(WriteModes, AreInCurrentUnits) {
+  for (const bool from_file : {true, false}) {
+    SCOPED_TRACE(from_file ? "from a file" : "from setters");
+    QDL_Record *record =
+        from_file ? open(build_file(60, blocks_, content_)) : build_record(content_, blocks_);
+    ASSERT_EQ(QDL_SetUnits(record, "GRAM", "METER", "MILLISECOND", "MILLINEWTON"), 1);
+    // After the change values are set in the new units.
+    const std::vector<double> vector = {1, 2, 3, 4, 5, 6};
+    ASSERT_EQ(QDL_SetModeVec(record, 1, 40, QDL_MODE_SHAPE, vector.data()), 1);
+    ASSERT_EQ(QDL_SetModeVec(record, 1, 40, QDL_MODE_STRESS, vector.data()), 1);
+    for (const std::string options : {"", "full_str no_xdr"}) {
+      SCOPED_TRACE(options);
+      ASSERT_EQ(write(record, options), 1);
+      QDL_Record *copy = QDL_CreateFromQDL(path("written.qdl").c_str());
+      ASSERT_NE(copy, nullptr);
+      const auto expect_node = [&](std::int32_t kind, std::int32_t number, std::int32_t node_id,
+                                   const std::vector<double> &expected) {
+        SCOPED_TRACE(testing::Message()
+                     << "kind " << kind << ", mode " << number << ", node " << node_id);
+        std::array<double, 6> six{};
+        const std::int32_t node = QDL_ModeNodeIndex(copy, kind, node_id);
+        EXPECT_EQ(QDL_ModeByNode(copy, number, kind, node, six.data(), 0), 1);
+        EXPECT_EQ(QDL_ModeByNode(copy, number, kind, node, six.data() + 3, 1), 1);
+        for (std::size_t c = 0; c < 6; ++c)
+          EXPECT_DOUBLE_EQ(six[c], expected[c]);
+      };
+      const auto scaled = [](std::vector<double> six, double first, double second) {
+        for (std::size_t c = 0; c < 6; ++c)
+          six[c] *= c < 3 ? first : second;
+        return six;
+      };
+      expect_node(QDL_MODE_SHAPE, 1, 40, vector);
+      expect_node(QDL_MODE_STRESS, 1, 40, vector);
+      // Lengths by 1/1000; a newton per square millimetre is 1e9 millinewton per square metre.
+      expect_node(QDL_MODE_SHAPE, 3, 23,
+                  scaled(values_of(content_.mode_shapes, 1, {23}), 1e-3, 1.0));
+      expect_node(QDL_MODE_STRESS, 3, 7, scaled(values_of(content_.stress, 1, {7}), 1e9, 1e9));
+      expect_node(QDL_MODE_STRAIN, 3, 23, values_of(content_.strain, 1, {23}));
+      // Statistics are of what is written.
+      EXPECT_DOUBLE_EQ(copy->statistics.modes[1].values[2], 1e9 * content_.statistics[1].values[2]);
+      QDL_UnLink(copy);
+    }
   }
 }
-
-INSTANTIATE_TEST_SUITE_P(Sources, WriteUnits, testing::Bool(),
-                         [](const auto &info) { return info.param ? "FromAFile" : "FromSetters"; });
 
 // A stress node that the file's nodes lack, until it is added: one slot, before and after.
 TEST_F(WriteModes, AForeignStressNodeThatIsAddedKeepsItsPlace) {
