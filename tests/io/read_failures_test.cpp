@@ -281,26 +281,6 @@ TEST_F(Truncation, EveryPrefixReportsTheBlockThatIsCut) {
   }
 }
 
-// A block at the end of the file that lost its last byte.
-TEST_F(Truncation, LastBlocksReportThemselves) {
-  for (const std::int32_t code : {60, 60 | kXdrBit | kSingleBit}) {
-    SCOPED_TRACE(version_name(code));
-    for (const int last : usual_blocks(code)) {
-      if (last >= 19 && last <= 26)
-        continue;  // read on demand
-      SCOPED_TRACE(testing::Message() << "block " << last);
-      Blocks blocks;
-      for (const int id : usual_blocks(code))
-        if (id <= last)
-          blocks.insert(id);
-      SampleFile sample = build_file(code, blocks);
-      sample.cut(sample.bytes.size() - 1);
-      EXPECT_EQ(open(sample), nullptr);
-      EXPECT_EQ(errors, std::vector<std::string>{error_of_cut(sample, last, sample.bytes.size())});
-    }
-  }
-}
-
 using NotQdl = ReadFixture;
 
 TEST_F(NotQdl, CodesThatFitNeitherEncoding) {
