@@ -89,6 +89,20 @@ void scale_rows(double *six, std::int64_t rows, double first_half, double second
   }
 }
 
+/// For a whole vector or one component of it.
+void report_out_of_reach(const QDL_Record &record, std::int32_t kind, std::int32_t mode_index,
+                         std::int32_t position, std::int32_t component, bool whole) {
+  const long mode = record.mode_numbers[static_cast<std::size_t>(mode_index)];
+  const long node =
+      kind == kModeShapes ? node_id(record, position) : mode_node_id(record, kind, position);
+  if (whole) {
+    QDL_Error("Couldn't seek to mode %ld node %ld position in temporary file", mode, node);
+  } else {
+    QDL_Error("Couldn't seek to mode %ld node %ld dof %ld position in temporary file", mode, node,
+              static_cast<long>(component));
+  }
+}
+
 }  // namespace
 
 Encoding encoding_of(const Channel &channel) {
@@ -208,9 +222,15 @@ bool store_values(QDL_Record &record, std::int32_t kind, std::int32_t mode_index
     std::memcpy(backing.mapping + place, bytes.data(), length);
     return true;
   }
-  if (backing.channel.file->write_at(place, bytes.data(), length))
+  File &file = *backing.channel.file;
+  if (!file.reaches(place)) {
+    report_out_of_reach(record, kind, mode_index, position, component,
+                        values.size() == kComponents);
+    return false;
+  }
+  if (file.write_at(place, bytes.data(), length))
     return true;
-  report_no_disk_space(kind, backing.channel.file->name());
+  report_no_disk_space(kind, file.name());
   return false;
 }
 

@@ -253,6 +253,11 @@ bool File::zero_at(std::int64_t position, std::int64_t bytes) {
   return true;
 }
 
+bool File::reaches(std::int64_t position) {
+  return !file_fault(FileOperation::kSeek) &&
+         ::lseek(::fileno(stream_), position, SEEK_SET) == position;
+}
+
 bool File::reserve(std::int64_t bytes) {
   const std::int64_t present = size();
   if (file_fault(FileOperation::kReserve) || present < 0 || !within_size_limit(bytes))

@@ -88,6 +88,8 @@ class File {
   bool read_at(std::int64_t position, void *data, std::size_t bytes) const;
   bool write_at(std::int64_t position, const void *data, std::size_t bytes);
   bool zero_at(std::int64_t position, std::int64_t bytes);
+  /// Whether the position can be gone to; some devices always stay where they are.
+  bool reaches(std::int64_t position);
 
   /// Makes the file `bytes` long, new bytes zero and their disk space really taken, so that a full
   /// disk shows here and not later. Never shortens.

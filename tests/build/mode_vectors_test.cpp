@@ -318,6 +318,19 @@ TEST_F(ModeVectors, TellThatTheDiskIsFull) {
   EXPECT_TRUE(std::filesystem::exists("/dev/full"));
 }
 
+TEST_F(ModeVectors, TellThatTheirPlaceCannotBeReached) {
+  // Takes everything, but has no positions.
+  const qdltest::ScopedEnvironment named("ZEB_TMP_STR", "/dev/null");
+  QDL_Record *model = QDL_Create(2, 2);
+  QDL_AddMode(model, 3);
+  EXPECT_EQ(set(model, 5, 7, 1, Six{}), 0);
+  expect_only_error("Couldn't seek to mode 5 node 7 position in temporary file");
+  clear_messages();
+  EXPECT_EQ(QDL_SetModeEntry(model, 5, 7, 1, 4, 1.0), 0);
+  expect_only_error("Couldn't seek to mode 5 node 7 dof 4 position in temporary file");
+  EXPECT_EQ(QDL_ModeExist(model, 1), 0);
+}
+
 TEST_F(ModeVectors, FailCleanlyWhenFileOperationsFail) {
   const auto build = [&] {
     QDL_Record *model = QDL_Create(1, 2);
