@@ -79,12 +79,14 @@ std::int32_t add_point(QDL_Record &record, MonitorPoint point) {
 
 std::int32_t set_operator(QDL_Record &record, MonitorPoint &point, std::int32_t number,
                           const double *data) {
+  const std::size_t size = operator_rows(point, number) * record.mode_numbers.size();
+  if (size > 0 && data == nullptr)
+    return -1;
   std::vector<double> &values = point.operators[place(number)];
   values = {};
   point.mask &= ~mask_bit(number);
 
   fit_columns(point, mode_count(record));
-  const std::size_t size = operator_rows(point, number) * record.mode_numbers.size();
   if (size == 0)
     throw std::bad_alloc();  // an operator without values counts as one that could not be held
   values.assign(data, data + size);
@@ -136,8 +138,6 @@ int32_t QDL_SetMonitorPointOperator(QDL_Record *model, int32_t point, int32_t op
         "Invalid operator type. Valid choices are: 1 for disp operator, 2 for load operator.\n");
     return -1;
   }
-  if (data == nullptr)
-    return -1;
   return guarded(kArea, -1, [&] { return set_operator(*model, *target, op, data); });
 }
 

@@ -45,6 +45,8 @@ std::int32_t add_sub_operator(MatrixOperator &target, const char *tag, std::int3
                               const double *data) {
   if (target.row_labels.empty() || columns < 1)
     throw std::bad_alloc();  // a block without values counts as one that could not be held
+  if (data == nullptr)
+    return -1;
   SubOperator added;
   added.tag = bounded_text(tag, kTagCharacters);
   added.columns = columns;
@@ -72,8 +74,6 @@ int32_t QDL_SetMatrixOperatorData(QDL_Record *model, int32_t op, const char *tag
     QDL_Error("Invalid monitor point index: %d.\n", op);
     return -1;
   }
-  if (data == nullptr)
-    return -1;
   return guarded(kArea, -1, [&] { return add_sub_operator(*target, tag, columns, data); });
 }
 

@@ -114,7 +114,7 @@ TEST_F(MatrixOperators, WhatHasNoSizeFailsLikeAnAllocation) {
 
   const double value = 1.0;
   EXPECT_EQ(QDL_SetMatrixOperatorInfo(model, "no rows", nullptr, 0), 0);
-  EXPECT_EQ(QDL_SetMatrixOperatorData(model, 0, "tag", 1, &value), -1);
+  EXPECT_EQ(QDL_SetMatrixOperatorData(model, 0, "tag", 1, nullptr), -1);
   expect_allocation_failure();
   EXPECT_EQ(QDL_SetMatrixOperatorInfo(model, "one row", nullptr, 1), 1);
   for (const int columns : {0, -1, std::numeric_limits<int>::min()}) {

@@ -157,7 +157,7 @@ TEST_F(MonitorPoints, AnOperatorOfNoSizeFailsLikeAnAllocation) {
   const auto values = counted(3);
   EXPECT_EQ(QDL_SetMonitorPointOperator(model, point, 4, values.data()), 0);
   model->monitor_points[0].load_operators = -1;
-  EXPECT_EQ(QDL_SetMonitorPointOperator(model, point, 4, values.data()), -1);
+  EXPECT_EQ(QDL_SetMonitorPointOperator(model, point, 4, nullptr), -1);
   ASSERT_EQ(errors.size(), 1U);
   EXPECT_TRUE(errors[0].starts_with("Failed to allocate memory at line "));
   EXPECT_TRUE(errors[0].ends_with(" in file qdlmonpnt.\n"));
