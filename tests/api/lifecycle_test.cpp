@@ -114,27 +114,6 @@ TEST_F(Lifecycle, ANewModelHasTheDefaults) {
   EXPECT_EQ(QDL_AddMode(model, 1), -1);  // negative plans are plans for nothing
 }
 
-TEST_F(Lifecycle, TemporaryFilesGoWithTheirModel) {
-  QDL_Record *model = QDL_Create(2, 2);
-  const double six[6] = {1, 2, 3, 4, 5, 6};
-  for (int kind = 0; kind < 3; ++kind)
-    ASSERT_EQ(QDL_SetModeVec(model, 1, 7, kind, six), 1);
-  const auto files = [&] {
-    return std::distance(std::filesystem::directory_iterator(directory()), {});
-  };
-  EXPECT_EQ(files(), 3);
-  QDL_UnLink(model);
-  EXPECT_EQ(files(), 0);
-}
-
-TEST_F(Lifecycle, TenThousandOpenAndClose) {
-  const std::string name = sample("body.qdl");
-  const std::size_t before = open_descriptors();
-  for (int i = 0; i < 10'000; ++i)
-    QDL_UnLink(QDL_CreateFromQDL(name.c_str()));
-  EXPECT_EQ(open_descriptors(), before);
-}
-
 // The host may end its models after the library's own list has been cleared.
 TEST(Exit, ModelsMayBeEndedAtTheEndOfTheProcess) {
   EXPECT_EXIT(

@@ -70,16 +70,12 @@ TEST_F(NodeData, AnswersByIndex) {
   expect_no_messages();
 }
 
-TEST_F(NodeData, RebuildsTheInertiaTensor) {
+TEST_F(NodeData, HasNoInertiaTensorWithoutInertia) {
   QDL_Record *model = three_nodes();
-  Tensor tensor{};
-  EXPECT_EQ(QDL_NodalInertia(model, 1, tensor.data()), 1);
-  EXPECT_EQ(tensor, (Tensor{1, 4, 5, 4, 2, 6, 5, 6, 3}));
-
-  const Tensor before = tensor;
+  Tensor tensor{1};
   for (const std::int32_t without_inertia : {0, 2, 3, -1, kLargest, kSmallest})
     EXPECT_EQ(QDL_NodalInertia(model, without_inertia, tensor.data()), 0) << without_inertia;
-  EXPECT_EQ(tensor, before);
+  EXPECT_EQ(tensor, Tensor{1});
 }
 
 TEST_F(NodeData, GivesZerosForABadIndex) {
@@ -153,9 +149,7 @@ TEST_F(NodeData, ReportsWhenTheInterfaceListFindsNoMemory) {
     EXPECT_EQ(QDL_InterfaceNodeIDs(model, &count), nullptr);
   }
   EXPECT_EQ(count, 0);
-  ASSERT_EQ(errors.size(), 1U);
-  EXPECT_TRUE(errors[0].starts_with("Failed to allocate memory at line ")) << errors[0];
-  EXPECT_TRUE(errors[0].ends_with(" in file qdldata.\n")) << errors[0];
+  expect_no_memory("qdldata");
 }
 
 }  // namespace

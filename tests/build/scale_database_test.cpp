@@ -2,11 +2,12 @@
 #include <gtest/gtest.h>
 #include <qdlflex/qdlflex.h>
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <cmath>
 #include <cstdint>
-#include <memory>
+#include <functional>
 #include <span>
 #include <string>
 #include <vector>
@@ -29,53 +30,25 @@ struct Ratios {
 constexpr int kModes = 8;
 constexpr int kRigidModes = 2;
 
-// Numbers of a record, each with the factor that a change of units has to apply.
-class Ledger {
- public:
-  struct Entry {
-    std::string what;
-    double value;
-    double factor;
-  };
+// Called with numbers of a record and the factor that a change of units has to apply to them.
+using Visit = std::function<void(const std::string &what, std::span<double> values, double factor)>;
 
-  void add(const std::string &what, double value, double factor) {
-    entries_.push_back({what + " at " + std::to_string(entries_.size()), value, factor});
-  }
-  void add(const std::string &what, std::span<const double> values, double factor) {
-    for (const double value : values)
-      add(what, value, factor);
-  }
-  const std::vector<Entry> &entries() const { return entries_; }
-
- private:
-  std::vector<Entry> entries_;
-};
-
-void enter_body(Ledger &ledger, const QDL_Record &record, const Ratios &r) {
-  for (const auto &node : record.nodes) {
-    ledger.add("coordinates", node.xyz, r.length);
-    ledger.add("nodal mass", node.mass, r.mass);
+void visit_body(QDL_Record &record, const Ratios &r, const Visit &visit) {
+  const double inertia = r.mass * r.length * r.length;
+  for (auto &node : record.nodes) {
+    visit("coordinates", node.xyz, r.length);
+    visit("nodal mass", {&node.mass, 1}, r.mass);
     if (node.inertia != nullptr)
-      ledger.add("nodal inertia", *node.inertia, r.mass * r.length * r.length);
+      visit("nodal inertia", *node.inertia, inertia);
   }
-  ledger.add("global mass", record.global_mass.mass, r.mass);
-  ledger.add("centre of mass", record.global_mass.centre, r.length);
-  ledger.add("global inertia", record.global_mass.inertia, r.mass * r.length * r.length);
-  ledger.add("body size", record.body_size, r.length);
-  ledger.add("transformation", record.transformation.matrix, 1.0);
-  const double invariant_factors[10] = {1.0,
-                                        r.mass,
-                                        r.mass * r.length,
-                                        r.mass * r.length,
-                                        r.mass * r.length * r.length,
-                                        r.mass * r.length * r.length,
-                                        1.0,
-                                        r.mass * r.length * r.length,
-                                        r.mass * r.length * r.length,
-                                        r.mass * r.length * r.length};
+  visit("global mass", {&record.global_mass.mass, 1}, r.mass);
+  visit("centre of mass", record.global_mass.centre, r.length);
+  visit("global inertia", record.global_mass.inertia, inertia);
+  visit("body size", {&record.body_size, 1}, r.length);
+  visit("transformation", record.transformation.matrix, 1.0);
   for (std::size_t number = 1; number <= 9; ++number) {
-    ledger.add("invariant " + std::to_string(number), record.invariants[number].values,
-               invariant_factors[number]);
+    const double factor = number == 1 ? r.mass : number <= 3 ? r.mass * r.length : inertia;
+    visit("invariant " + std::to_string(number), record.invariants[number].values, factor);
   }
 }
 
@@ -87,59 +60,53 @@ double damping_factor(const QDL_Record &record, const qdlflex::GeneralizedEntry 
   return translations == 2 ? r.force * r.time / r.length : r.force * r.time;
 }
 
-void enter_matrices(Ledger &ledger, const QDL_Record &record, const Ratios &r) {
-  for (const auto &entry : record.stiffness.entries)
-    ledger.add("stiffness", entry.value, r.force * r.length);
-  for (const auto &entry : record.mass.entries)
-    ledger.add("mass", entry.value, r.mass * r.length * r.length);
-  for (const auto &entry : record.damping.entries)
-    ledger.add("damping", entry.value, damping_factor(record, entry, r));
-  for (const auto &entry : record.eigenvalues) {
+void visit_matrices(QDL_Record &record, const Ratios &r, const Visit &visit) {
+  const double mass = r.mass * r.length * r.length;
+  for (auto &entry : record.stiffness.entries)
+    visit("stiffness", {&entry.value, 1}, r.force * r.length);
+  for (auto &entry : record.mass.entries)
+    visit("mass", {&entry.value, 1}, mass);
+  for (auto &entry : record.damping.entries)
+    visit("damping", {&entry.value, 1}, damping_factor(record, entry, r));
+  for (auto &entry : record.eigenvalues) {
     const bool infinite = entry.eigenvalue == 1.2345e20;
-    ledger.add("eigenvalue", entry.eigenvalue, infinite ? 1.0 : r.force / (r.mass * r.length));
-    ledger.add("frequency", entry.frequency, 1.0 / r.time);
-    ledger.add("circular frequency", entry.circular_frequency, 1.0 / r.time);
-    ledger.add("generalized mass", entry.generalized_mass, r.mass * r.length * r.length);
-    ledger.add("generalized stiffness", entry.generalized_stiffness, r.force * r.length);
+    visit("eigenvalue", {&entry.eigenvalue, 1}, infinite ? 1.0 : r.force / (r.mass * r.length));
+    visit("frequency", {&entry.frequency, 1}, 1.0 / r.time);
+    visit("circular frequency", {&entry.circular_frequency, 1}, 1.0 / r.time);
+    visit("generalized mass", {&entry.generalized_mass, 1}, mass);
+    visit("generalized stiffness", {&entry.generalized_stiffness, 1}, r.force * r.length);
   }
-  ledger.add("rotor centre", record.rotor.centre, r.length);
-  ledger.add("rotor direction", record.rotor.direction, r.length);
-  const auto &matrices = record.rotor.matrices;
-  ledger.add("first rotor matrix", matrices[0].values, r.force * r.length * r.time * r.time);
-  ledger.add("second rotor matrix", matrices[1].values, r.force * r.length * r.time);
-  ledger.add("third rotor matrix", matrices[2].values, r.force * r.length * r.time * r.time);
+  visit("rotor centre", record.rotor.centre, r.length);
+  visit("rotor direction", record.rotor.direction, r.length);
+  const double damping = r.force * r.length * r.time;
+  const double factors[] = {damping * r.time, damping, damping * r.time};
+  for (std::size_t i = 0; i < 3; ++i)
+    visit("rotor matrix", record.rotor.matrices[i].values, factors[i]);
 }
 
-void enter_loads(Ledger &ledger, const QDL_Record &record, const Ratios &r) {
-  const auto enter = [&](const std::string &what, const std::vector<double> &values,
-                         bool processed) {
-    for (std::size_t i = 0; i < values.size(); ++i) {
-      const bool force = processed && i < static_cast<std::size_t>(kRigidModes);
-      ledger.add(what, values[i], force ? r.force : r.force * r.length);
-    }
+void visit_loads(QDL_Record &record, const Ratios &r, const Visit &visit) {
+  const double stress = r.force / (r.length * r.length);
+  const auto visit_load = [&](std::span<double> values, bool processed) {
+    const std::size_t forces = processed ? std::min<std::size_t>(kRigidModes, values.size()) : 0;
+    visit("forces", values.first(forces), r.force);
+    visit("modal load", values.subspan(forces), r.force * r.length);
   };
-  enter("preload", record.preload.values, record.preload.processed != 0);
-  for (const auto &load : record.modal_loads)
-    enter("modal load", load.values, load.processed != 0);
-  for (const auto &load : record.nodal_loads) {
-    for (const auto &entry : load.entries)
-      ledger.add("nodal load", entry.value, entry.coordinate <= 3 ? r.force : r.force * r.length);
+  visit_load(record.preload.values, record.preload.processed != 0);
+  for (auto &load : record.modal_loads)
+    visit_load(load.values, load.processed != 0);
+  for (auto &load : record.nodal_loads) {
+    for (auto &entry : load.entries)
+      visit("nodal load", {&entry.value, 1}, entry.coordinate <= 3 ? r.force : r.force * r.length);
   }
-  for (const auto &vector : record.pre_stress)
-    ledger.add("pre-stress", vector, r.force / (r.length * r.length));
-  for (const auto &vector : record.pre_strain)
-    ledger.add("pre-strain", vector, 1.0);
-  for (const auto &mode : record.statistics.modes) {
+  for (auto &vector : record.pre_stress)
+    visit("pre-stress", vector, stress);
+  for (auto &vector : record.pre_strain)
+    visit("pre-strain", vector, 1.0);
+  for (auto &mode : record.statistics.modes) {
     for (std::size_t slot = 0; slot < mode.values.size(); ++slot) {
-      const double factor = slot == 0   ? r.length
-                            : slot == 2 ? r.force / (r.length * r.length)
-                                        : 1.0;
-      ledger.add("statistic " + std::to_string(slot), mode.values[slot], factor);
+      const double factor = slot == 0 ? r.length : slot == 2 ? stress : 1.0;
+      visit("statistic " + std::to_string(slot), {&mode.values[slot], 1}, factor);
     }
-  }
-  for (const auto &matrix_operator : record.matrix_operators) {
-    for (const auto &sub : matrix_operator.sub_operators)
-      ledger.add("matrix operator", sub.data, 1.0);
   }
 }
 
@@ -158,164 +125,149 @@ std::array<double, 2> monitor_factors(int result_type, const Ratios &r) {
   }
 }
 
-void enter_monitor_points(Ledger &ledger, const QDL_Record &record, const Ratios &r) {
-  for (const auto &point : record.monitor_points) {
-    ledger.add("monitor point", point.location, r.length);
+void visit_operators(QDL_Record &record, const Ratios &r, const Visit &visit) {
+  for (auto &point : record.monitor_points) {
+    visit("monitor point", point.location, r.length);
     const std::string digits = std::to_string(point.component);
     const std::array<double, 4> time = {1.0, 1.0 / r.time, 1.0 / (r.time * r.time), 1.0};
     for (std::size_t number = 0; number < 4; ++number) {
-      const std::vector<double> &values = point.operators[number];
+      const std::span<double> values = point.operators[number];
       for (std::size_t i = 0; i < values.size(); ++i) {
         const char digit = digits[i / kModes % digits.size()];
         const bool known = digit >= '1' && digit <= '6' && point.result_type <= 5;
         const double base = monitor_factors(point.result_type, r)[digit <= '3' ? 0 : 1];
-        ledger.add("operator " + std::to_string(number + 1) + " of " + point.name, values[i],
-                   known ? base * time[number] : 1.0);
+        visit("operator " + std::to_string(number + 1) + " of " + point.name, values.subspan(i, 1),
+              known ? base * time[number] : 1.0);
       }
     }
   }
+  for (auto &matrix_operator : record.matrix_operators) {
+    for (auto &sub : matrix_operator.sub_operators)
+      visit("matrix operator", sub.data, 1.0);
+  }
 }
 
-Ledger ledger_of(const QDL_Record &record, const Ratios &ratios = {}) {
-  Ledger ledger;
-  enter_body(ledger, record, ratios);
-  enter_matrices(ledger, record, ratios);
-  enter_loads(ledger, record, ratios);
-  enter_monitor_points(ledger, record, ratios);
-  return ledger;
+void visit_all(QDL_Record &record, const Ratios &ratios, const Visit &visit) {
+  visit_body(record, ratios, visit);
+  visit_matrices(record, ratios, visit);
+  visit_loads(record, ratios, visit);
+  visit_operators(record, ratios, visit);
 }
 
-void expect_scaled(const Ledger &before, const Ledger &after) {
-  ASSERT_EQ(before.entries().size(), after.entries().size());
-  for (std::size_t i = 0; i < before.entries().size(); ++i) {
-    const Ledger::Entry &entry = before.entries()[i];
-    const double value = after.entries()[i].value;
-    if (entry.factor == 1.0) {
-      EXPECT_EQ(std::bit_cast<std::uint64_t>(value), std::bit_cast<std::uint64_t>(entry.value))
-          << entry.what;
+struct Entry {
+  std::string what;
+  double value;
+  double factor;
+};
+
+std::vector<Entry> ledger_of(QDL_Record &record, const Ratios &ratios = {}) {
+  std::vector<Entry> entries;
+  visit_all(record, ratios,
+            [&](const std::string &what, std::span<const double> values, double factor) {
+              for (const double value : values)
+                entries.push_back({what + " at " + std::to_string(entries.size()), value, factor});
+            });
+  return entries;
+}
+
+void expect_scaled(const std::vector<Entry> &before, const std::vector<Entry> &after) {
+  ASSERT_EQ(before.size(), after.size());
+  for (std::size_t i = 0; i < before.size(); ++i) {
+    const auto &[what, value, factor] = before[i];
+    const double scaled = after[i].value;
+    if (factor == 1.0) {
+      EXPECT_EQ(std::bit_cast<std::uint64_t>(scaled), std::bit_cast<std::uint64_t>(value)) << what;
     } else {
-      EXPECT_NEAR(value, entry.value * entry.factor, 1e-14 * std::fabs(value)) << entry.what;
-      EXPECT_NE(entry.value, 0.0) << entry.what;
+      EXPECT_NEAR(scaled, value * factor, 1e-14 * std::fabs(scaled)) << what;
+      EXPECT_NE(value, 0.0) << what;
     }
   }
 }
 
-// A record with a number of its own in every place that holds one.
 class ScaleDatabase : public qdltest::MessageFixture {
  protected:
-  double next() { return last_ += 1.0625; }
-  void fill(std::span<double> values) {
-    for (double &value : values)
-      value = next();
-  }
-  std::vector<double> numbers(std::size_t count) {
-    std::vector<double> values(count);
-    fill(values);
-    return values;
-  }
-
-  QDL_Record *full_record(bool damping_on_principal_axes) {
+  // A record with a number of its own in every place that holds one.
+  static QDL_Record *full_record(bool damping_on_principal_axes) {
     QDL_Record *model = QDL_Create(3, kModes);
     EXPECT_EQ(QDL_SetUnits(model, "KILOGRAM", "METER", "SECOND", "NEWTON"), 1);
-    fill_body(*model);
-    fill_eigenvalues(*model);
-    fill_matrices(*model);
+    make_body(*model);
+    make_matrices(*model);
     model->damping_on_principal_axes = damping_on_principal_axes;
-    fill_loads(*model);
-    fill_monitor_points(model);
+    make_loads(*model);
+    make_operators(model);
+    double last = 0.375;
+    visit_all(*model, {}, [&](const std::string &, std::span<double> values, double) {
+      for (double &value : values)
+        value = last += 1.0625;
+    });
+    // Modes below the threshold of 0.001; in minutes they would lie above it.
+    for (std::size_t mode = 0; mode < kRigidModes; ++mode)
+      model->eigenvalues[mode].frequency = 0.0005 + 0.0001 * static_cast<double>(mode);
+    model->eigenvalues.back().eigenvalue = qdlflex::kInfiniteEigenvalue;
     EXPECT_EQ(QDL_RigidBodyModeCount(model), kRigidModes);
     return model;
   }
 
  private:
-  void fill_body(QDL_Record &record) {
+  static void make_body(QDL_Record &record) {
     for (int id = 1; id <= 3; ++id) {
-      QDL_SetNodeCoordinates(&record, id, next(), next(), next());
-      QDL_SetNodalMass(&record, id, next());
+      QDL_SetNodalMass(&record, id, 1.0);
       if (id != 2)
-        QDL_SetNodalInertia(&record, id, next(), next(), next(), next(), next(), next());
+        QDL_SetNodalInertia(&record, id, 1.0, 1.0, 1.0, 0.0, 0.0, 0.0);
     }
-    record.global_mass.mass = next();
-    fill(record.global_mass.centre);
-    fill(record.global_mass.inertia);
-    record.body_size = next();
-    record.transformation = {kModes, numbers(kModes * kModes), {}, true};
-    const std::size_t sizes[10] = {0,          1, 3, 3 * kModes, 3 * kModes,
+    record.transformation = {kModes, std::vector<double>(kModes * kModes), {}, true};
+    const std::size_t sizes[10] = {0,          1, 3, 3 * kModes, 0,
                                    3 * kModes, 0, 9, 9 * kModes, 9 * kModes};
     for (std::size_t number = 1; number <= 9; ++number) {
-      // Supplied and derived values are converted alike.
+      // Supplied and derived values are converted alike, the fourth is not known yet.
       const auto origin = number % 2 == 0 ? qdlflex::Origin::kSupplied : qdlflex::Origin::kDerived;
-      if (number != 6 && number != 4)
-        record.invariants[number] = {origin, kModes, numbers(sizes[number])};
+      if (sizes[number] > 0)
+        record.invariants[number] = {origin, kModes, std::vector<double>(sizes[number])};
     }
   }
 
-  // Two modes below the threshold of 0.001; in minutes they would lie above it.
-  void fill_eigenvalues(QDL_Record &record) {
-    for (int mode = 0; mode < kModes; ++mode) {
+  static void make_matrices(QDL_Record &record) {
+    record.eigenvalues.resize(kModes);
+    for (int mode = 0; mode < kModes; ++mode)
       record.mode_numbers.push_back(11 + mode);
-      const double frequency = mode < kRigidModes ? 0.0005 + 0.0001 * mode : 0.01 + 0.001 * mode;
-      record.eigenvalues.push_back({11 + mode, next(), frequency, next(), next(), next()});
-    }
-    record.eigenvalues.back().eigenvalue = qdlflex::kInfiniteEigenvalue;
-  }
-
-  void fill_matrices(QDL_Record &record) {
     for (int row = 0; row < 5; ++row) {
       for (int column = row; column < 5; ++column)
-        record.damping.entries.push_back({row, column, next()});
+        record.damping.entries.push_back({row, column});
     }
-    for (int mode = 0; mode < 2; ++mode) {
-      record.stiffness.entries.push_back({mode, 1, next()});
-      record.mass.entries.push_back({mode, 1, next()});
-    }
-    record.mass.entries.push_back({-1, -1, next()});
-    fill(record.rotor.centre);
-    fill(record.rotor.direction);
+    record.stiffness.entries = {{0, 1}, {1, 1}};
+    record.mass.entries = {{0, 1}, {1, 1}, {-1, -1}};
     for (auto &matrix : record.rotor.matrices)
-      matrix = {2, 0, numbers(4), true};
+      matrix = {2, 0, std::vector<double>(4), true};
   }
 
-  void fill_loads(QDL_Record &record) {
-    record.preload = {numbers(kModes), 1, true};
-    record.modal_loads.resize(3);
-    record.modal_loads[0].values = numbers(kModes);
-    record.modal_loads[1] = {{}, 1, numbers(kModes)};
-    record.modal_loads[2] = {{}, 1, numbers(1)};
+  static void make_loads(QDL_Record &record) {
+    const std::vector<double> all(kModes);
+    record.preload = {all, 1, true};
+    record.modal_loads = {{{}, 0, all}, {{}, 1, all}, {{}, 1, {0.0}}};
     record.nodal_loads.resize(2);
     for (int coordinate = 1; coordinate <= 6; ++coordinate)
-      record.nodal_loads[1].entries.push_back({0, coordinate, next()});
+      record.nodal_loads[1].entries.push_back({0, coordinate, 0.0});
     record.pre_stress.resize(2);
     record.pre_strain.resize(2);
-    for (std::size_t i = 0; i < 2; ++i) {
-      fill(record.pre_stress[i]);
-      fill(record.pre_strain[i]);
-    }
     record.statistics.present = true;
     record.statistics.modes.resize(kModes);
-    for (auto &mode : record.statistics.modes)
-      fill(mode.values);
   }
 
   // Every result type, every component digit, every operator; rows without a known unit.
-  void fill_monitor_points(QDL_Record *model) {
+  static void make_operators(QDL_Record *model) {
+    const std::vector<double> values(2 * 6 * kModes);
     for (const int result_type : {1, 2, 3, 4, 5, 6}) {
       for (const int component : {123456, 47, 3, -12}) {
-        const std::vector<double> location = numbers(3);
         const std::string name = std::to_string(result_type) + "/" + std::to_string(component);
-        const int point = QDL_SetMonitorPointInfo(model, 1, result_type, component, 2,
-                                                  location.data(), name.c_str(), "");
-        for (int number = 1; number <= 4; ++number) {
-          const std::vector<double> values = numbers(2 * 6 * kModes);
+        const int point =
+            QDL_SetMonitorPointInfo(model, 1, result_type, component, 2, nullptr, name.c_str(), "");
+        for (int number = 1; number <= 4; ++number)
           EXPECT_EQ(QDL_SetMonitorPointOperator(model, point, number, values.data()), 0);
-        }
       }
     }
     const int number = QDL_SetMatrixOperatorInfo(model, "operator", nullptr, 2);
-    QDL_SetMatrixOperatorData(model, number, "tag", 3, numbers(6).data());
+    QDL_SetMatrixOperatorData(model, number, "tag", 3, values.data());
   }
-
-  double last_ = 0.375;
 };
 
 int to_english(QDL_Record *model) {
@@ -331,7 +283,7 @@ int to_si(QDL_Record *model) {
 TEST_F(ScaleDatabase, EveryStoredNumberIsConverted) {
   for (const bool on_principal_axes : {false, true}) {
     QDL_Record *model = full_record(on_principal_axes);
-    const Ledger before = ledger_of(*model);
+    const std::vector<Entry> before = ledger_of(*model);
     EXPECT_EQ(to_english(model), 1);
     expect_scaled(before, ledger_of(*model));
     EXPECT_EQ(model->invariants[4].origin, qdlflex::Origin::kEmpty);
@@ -359,32 +311,16 @@ TEST_F(ScaleDatabase, AProcessedLoadHasAtMostThreeForces) {
   }
 }
 
-TEST_F(ScaleDatabase, ChangingBackGivesTheOldNumbers) {
-  QDL_Record *model = full_record(true);
-  const Ledger before = ledger_of(*model, {1.0, 1.0, 1.0, 1.0});
-  to_english(model);
-  // The same rigid-body modes in 1 / minute.
-  const qdltest::ScopedEnvironment threshold("QDL_RIGID_BODY_THRESHOLD", "0.1");
-  EXPECT_EQ(QDL_RigidBodyModeCount(model), kRigidModes);
-  EXPECT_EQ(to_si(model), 1);
-  const Ledger after = ledger_of(*model);
-  for (std::size_t i = 0; i < before.entries().size(); ++i) {
-    const double value = before.entries()[i].value;
-    EXPECT_NEAR(after.entries()[i].value, value, 1e-14 * std::fabs(value))
-        << before.entries()[i].what;
-  }
-}
-
 TEST_F(ScaleDatabase, OnlyTheQuantityThatChangesTouchesBits) {
   QDL_Record *model = full_record(false);
-  const Ledger before = ledger_of(*model, {1.0, 1.0, 1.0 / 60.0, 1.0});
+  const std::vector<Entry> before = ledger_of(*model, {1.0, 1.0, 1.0 / 60.0, 1.0});
   EXPECT_EQ(QDL_SetUnits(model, "KILOGRAM", "METER", "MINUTE", "NEWTON"), 1);
   expect_scaled(before, ledger_of(*model));
 }
 
 TEST_F(ScaleDatabase, TheFirstUnitsAndTheSameUnitsConvertNothing) {
   QDL_Record *model = full_record(false);
-  const Ledger before = ledger_of(*model, {1.0, 1.0, 1.0, 1.0});
+  const std::vector<Entry> before = ledger_of(*model, {1.0, 1.0, 1.0, 1.0});
   EXPECT_EQ(to_si(model), 1);
   EXPECT_EQ(QDL_SetUnits(model, "kilogram", "meter", "second", "newton"), 1);
   expect_scaled(before, ledger_of(*model));
@@ -394,22 +330,17 @@ TEST_F(ScaleDatabase, TheFirstUnitsAndTheSameUnitsConvertNothing) {
   EXPECT_EQ(model->units.cumulative.length, 1.0);
 }
 
-TEST_F(ScaleDatabase, AnUnsetOldUnitCountsAsSi) {
+TEST_F(ScaleDatabase, AnUnsetOldUnitCountsAsSiAndAnUnknownOneChangesNothing) {
   QDL_Record *model = QDL_Create(1, 0);
   to_si(model);
   model->units.length = {};
   QDL_SetNodeCoordinates(model, 1, 1.0, 2.0, 3.0);
   EXPECT_EQ(QDL_SetUnits(model, "KILOGRAM", "MILLIMETER", "SECOND", "NEWTON"), 1);
   EXPECT_EQ(model->nodes[0].xyz[1], 2000.0);
-}
 
-TEST_F(ScaleDatabase, AnUnknownOldUnitKeepsTheModelAsItIs) {
-  QDL_Record *model = QDL_Create(1, 0);
-  to_si(model);
   model->units.length = {'C', 'U', 'B', 'I', 'T'};
-  QDL_SetNodeCoordinates(model, 1, 1.0, 2.0, 3.0);
   EXPECT_EQ(to_english(model), 0);
-  EXPECT_EQ(model->nodes[0].xyz[1], 2.0);
+  EXPECT_EQ(model->nodes[0].xyz[1], 2000.0);
   EXPECT_STREQ(model->units.mass.data(), "KILOGRAM");
   EXPECT_EQ(QDL_Length2Meter(model, 1.0), 0.0);
   expect_no_messages();
@@ -505,16 +436,6 @@ TEST_F(ScaleDatabase, ModeDataIsConvertedOnceAlsoAfterEditsAndBack) {
     expect_vector(fetched(model, 1, kind, 1), edited, 1.0, 1.0);
     QDL_DeReference(model);
   }
-}
-
-TEST_F(ScaleDatabase, StressesFollowForceOverArea) {
-  QDL_Record *model = QDL_Create(1, 1);
-  EXPECT_EQ(QDL_SetUnits(model, "KILOGRAM", "MILLIMETER", "SECOND", "NEWTON"), 1);
-  QDL_SetNodeCoordinates(model, 1, 1000.0, 2.0, 3.0);
-  QDL_SetMode(model, 1, 1, 1, 1.0, 2.0, 3.0, 4.0, 5.0, 6.0);
-  EXPECT_EQ(QDL_SetUnits(model, "KILOGRAM", "METER", "SECOND", "NEWTON"), 1);
-  EXPECT_EQ(model->nodes[0].xyz[0], 1.0);
-  expect_vector(fetched(model, 1, 1, 0), {1, 2, 3, 4, 5, 6}, 1e6, 1e6);
 }
 
 // What is read from the file after a change is converted like what was read before it.

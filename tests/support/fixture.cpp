@@ -147,4 +147,17 @@ void MessageFixture::expect_only_warnings(const std::vector<std::string> &texts)
   EXPECT_EQ(errors, std::vector<std::string>{});
 }
 
+void MessageFixture::expect_no_model(std::int32_t result, std::int32_t failure) {
+  EXPECT_EQ(result, failure);
+  expect_only_error("The database has not been initialized.");
+  clear_messages();
+}
+
+void MessageFixture::expect_no_memory(const std::string &area) {
+  ASSERT_EQ(errors.size(), 1U);
+  EXPECT_TRUE(errors[0].starts_with("Failed to allocate memory at line ")) << errors[0];
+  EXPECT_TRUE(errors[0].ends_with(" in file " + area + ".\n")) << errors[0];
+  clear_messages();
+}
+
 }  // namespace qdltest

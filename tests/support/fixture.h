@@ -58,6 +58,11 @@ class MessageFixture : public testing::Test {
   // This error once, and neither another error nor a warning.
   void expect_only_error(const std::string &text) const;
   void expect_only_warnings(const std::vector<std::string> &texts) const;
+  // The result of a call without a model: its failure value, after the error about that. Forgets
+  // the messages.
+  void expect_no_model(std::int32_t result, std::int32_t failure = 0);
+  // The one error that an area of the library found no memory. Forgets the messages.
+  void expect_no_memory(const std::string &area);
 
  private:
   std::filesystem::path directory_;

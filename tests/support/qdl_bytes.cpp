@@ -18,29 +18,15 @@ std::int32_t version_number(std::int32_t version_code) {
 }  // namespace
 
 Encoding encoding_of(std::int32_t version_code) {
-  switch (version_number(version_code)) {
-    case 10:
-    case 20:
-    case 30:
-    case 40:
-    case 50:
-      return Encoding::kNative;
-    case 31:
-    case 41:
-    case 51:
-      return Encoding::kXdr;
-    default:
-      return (version_code & kXdrBit) != 0 ? Encoding::kXdr : Encoding::kNative;
-  }
+  const std::int32_t number = version_number(version_code);
+  const bool xdr = number < 60 ? number % 10 == 1 : (version_code & kXdrBit) != 0;
+  return xdr ? Encoding::kXdr : Encoding::kNative;
 }
 
 Precision precision_of(std::int32_t version_code) {
   const std::int32_t number = version_number(version_code);
-  if (number == 50 || number == 51)
-    return Precision::kSingle;
-  if (number < 60)
-    return Precision::kDouble;
-  return (version_code & kSingleBit) != 0 ? Precision::kSingle : Precision::kDouble;
+  const bool single = number < 60 ? number >= 50 : (version_code & kSingleBit) != 0;
+  return single ? Precision::kSingle : Precision::kDouble;
 }
 
 void QdlBytes::put_word(std::uint64_t word, std::size_t width) {
@@ -369,15 +355,6 @@ void append_block(QdlBytes &out, int block_id, const SampleModel &model, std::in
       return put_interface_nodes(out, model);
     case 18:
       return put_modes(out, id, model.stress, numbered);
-    case 19:
-    case 20:
-    case 21:
-    case 22:
-    case 23:
-    case 24:
-    case 25:
-    case 26:
-      return put_invariant(out, block_id, model);
     case 27:
       return put_preload(out, model);
     case 28:
@@ -400,7 +377,9 @@ void append_block(QdlBytes &out, int block_id, const SampleModel &model, std::in
     case 37:
       return put_rotor(out, model);
     default:
-      throw std::invalid_argument("no such block");
+      if (block_id < 19 || block_id > 26)
+        throw std::invalid_argument("no such block");
+      return put_invariant(out, block_id, model);
   }
 }
 
