@@ -9,6 +9,7 @@ namespace qdlflex::cli {
 using Job = std::function<void()>;
 
 /// Each adds a subcommand that, when chosen, puts its work into `job`.
+void add_convert_command(CLI::App &app, Job &job);
 void add_edges_command(CLI::App &app, Job &job);
 void add_export_command(CLI::App &app, Job &job);
 void add_import_command(CLI::App &app, Job &job);

@@ -28,6 +28,7 @@ int run(int argc, char **argv) {
   app.set_version_flag("--version", "qdlflex " QDLFLEX_VERSION_STRING);
   app.require_subcommand(1);
   Job job;
+  add_convert_command(app, job);
   add_edges_command(app, job);
   add_export_command(app, job);
   add_import_command(app, job);

@@ -1,6 +1,10 @@
 #include "write_record.h"
 
+#include <unistd.h>
+
 #include <cstdlib>
+#include <filesystem>
+#include <system_error>
 
 #include "console.h"
 #include "text_input.h"
@@ -51,6 +55,46 @@ void warn_of_losses_without_table(QDL_Record *record) {
   }
 }
 
+/// A name beside an existing file under which the new one is written, so that the old one stays
+/// until the new one is whole. What is no regular file is written straight away.
+class Replacement {
+ public:
+  explicit Replacement(const std::string &path) : written_(path) {
+    std::error_code none;
+    if (!std::filesystem::is_regular_file(path, none)) {
+      return;
+    }
+    if (access(path.c_str(), W_OK) != 0) {
+      throw Failure(path + " must not be written");
+    }
+    replaced_ = std::filesystem::canonical(path);
+    int number = getpid();
+    do {
+      written_ = replaced_.string() + "." + std::to_string(number++) + ".part";
+    } while (std::filesystem::exists(written_));
+  }
+
+  const std::string &path() const { return written_; }
+
+  void finish() const {
+    if (replaced_.empty()) {
+      return;
+    }
+    std::error_code error;
+    std::filesystem::permissions(written_, std::filesystem::status(replaced_).permissions(), error);
+    std::filesystem::rename(written_, replaced_, error);
+    if (error) {
+      std::error_code ignored;
+      std::filesystem::remove(written_, ignored);
+      throw Failure(replaced_.string() + ": " + error.message());
+    }
+  }
+
+ private:
+  std::string written_;
+  std::filesystem::path replaced_;  // empty: nothing
+};
+
 }  // namespace
 
 std::optional<std::string> user_write_options() {
@@ -83,9 +127,11 @@ void set_write_options(const std::string &options) {
 
 void write_record(QDL_Record *record, const std::string &path, const std::string &options) {
   set_write_options(options);
-  if (QDL_write_QDL(record, path.c_str()) == 0) {
+  const Replacement replacement(path);
+  if (QDL_write_QDL(record, replacement.path().c_str()) == 0) {
     throw Failure(path + " was not written");
   }
+  replacement.finish();
 }
 
 }  // namespace qdlflex::cli

@@ -21,7 +21,7 @@ std::string faithful_write_options(QDL_Record *record);
 /// Puts the options in force: the writer reads them, and some edits do.
 void set_write_options(const std::string &options);
 
-/// Throws a Failure if the file cannot be written.
+/// Throws a Failure if the file cannot be written; one that existed before is then still there.
 void write_record(QDL_Record *record, const std::string &path, const std::string &options);
 
 }  // namespace qdlflex::cli
