@@ -1,44 +1,42 @@
 #include "format/codec.h"
 
+#include "support/vector_clones.h"
+
 namespace qdlflex {
 namespace {
 
 // Swapping the bytes of a word takes one instruction for four words where the processor has wide
 // registers, and a dozen where it hasn't: these loops are built for both. The results are the same.
 
-[[gnu::target_clones("avx2", "default")]] void decode_swapped_doubles(double *values,
-                                                                      const unsigned char *bytes,
-                                                                      std::size_t count) {
+QDLFLEX_VECTOR_CLONES void decode_swapped_doubles(double *values, const unsigned char *bytes,
+                                                  std::size_t count) {
   for (std::size_t i = 0; i < count; ++i) {
     values[i] = std::bit_cast<double>(load_word<std::uint64_t>(bytes + 8 * i, true));
   }
 }
 
-[[gnu::target_clones("avx2", "default")]] void decode_swapped_floats(double *values,
-                                                                     const unsigned char *bytes,
-                                                                     std::size_t count) {
+QDLFLEX_VECTOR_CLONES void decode_swapped_floats(double *values, const unsigned char *bytes,
+                                                 std::size_t count) {
   for (std::size_t i = 0; i < count; ++i) {
     values[i] = std::bit_cast<float>(load_word<std::uint32_t>(bytes + 4 * i, true));
   }
 }
 
-[[gnu::target_clones("avx2", "default")]] void encode_swapped_doubles(unsigned char *bytes,
-                                                                      const double *values,
-                                                                      std::size_t count) {
+QDLFLEX_VECTOR_CLONES void encode_swapped_doubles(unsigned char *bytes, const double *values,
+                                                  std::size_t count) {
   for (std::size_t i = 0; i < count; ++i) {
     store_word(bytes + 8 * i, std::bit_cast<std::uint64_t>(values[i]), true);
   }
 }
 
-[[gnu::target_clones("avx2", "default")]] void encode_swapped_floats(unsigned char *bytes,
-                                                                     const double *values,
-                                                                     std::size_t count) {
+QDLFLEX_VECTOR_CLONES void encode_swapped_floats(unsigned char *bytes, const double *values,
+                                                 std::size_t count) {
   for (std::size_t i = 0; i < count; ++i) {
     store_word(bytes + 4 * i, std::bit_cast<std::uint32_t>(static_cast<float>(values[i])), true);
   }
 }
 
-[[gnu::target_clones("avx2", "default")]] void swap_doubles(double *values, std::size_t count) {
+QDLFLEX_VECTOR_CLONES void swap_doubles(double *values, std::size_t count) {
   for (std::size_t i = 0; i < count; ++i) {
     values[i] = std::bit_cast<double>(swap_bytes(std::bit_cast<std::uint64_t>(values[i])));
   }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <string>
+#include <vector>
 
 namespace qdlflex {
 namespace {
@@ -65,9 +66,11 @@ bool Sink::characters(std::string_view text, std::size_t width) {
   field.resize(width, '\0');
   if (!encoding_.xdr)
     return file_.write(field.data(), width);
-  return !file_fault(FileOperation::kWrite) &&
-         xdr_vector(&xdr_, field.data(), static_cast<u_int>(width), 1,
-                    reinterpret_cast<xdrproc_t>(xdr_char)) != 0;
+  // The file's characters are widened with their sign; xdr_char() widens as the host's char is.
+  std::vector<std::int32_t> words(width);
+  std::transform(field.begin(), field.end(), words.begin(),
+                 [](char character) { return static_cast<signed char>(character); });
+  return i32s(words.data(), width);
 }
 
 bool Sink::byte(char value) {

@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "modes/mode_store.h"
-#include "numerics/vector_clones.h"
 #include "record/lookups.h"
+#include "support/vector_clones.h"
 
 namespace qdlflex {
 namespace {

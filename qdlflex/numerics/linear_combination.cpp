@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "numerics/vector_clones.h"
+#include "support/vector_clones.h"
 
 namespace qdlflex {
 namespace {

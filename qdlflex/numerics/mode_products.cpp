@@ -1,6 +1,6 @@
 #include "numerics/mode_products.h"
 
-#include "numerics/vector_clones.h"
+#include "support/vector_clones.h"
 
 namespace qdlflex {
 namespace {

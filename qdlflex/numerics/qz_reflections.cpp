@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "numerics/vector_clones.h"
+#include "support/vector_clones.h"
 
 namespace qdlflex::qz {
 

@@ -10,7 +10,7 @@
 #include <type_traits>
 
 #include "numerics/qz_pencil.h"
-#include "numerics/vector_clones.h"
+#include "support/vector_clones.h"
 
 namespace qdlflex::qz {
 namespace {
