@@ -35,7 +35,7 @@ class EditedInvariant {
   EditedInvariant(QDL_Record &record, int number)
       : record_(record),
         number_(number),
-        slot_(record.invariants[static_cast<std::size_t>(number)]),
+        slot_(slot_of(record, number)),
         shape_(invariant_shape(number, mode_count(record))) {
     const Block block = invariant_block(number);
     if (slot_.origin == Origin::kEmpty && present(record, block) && in_file(record, block))

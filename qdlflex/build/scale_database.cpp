@@ -99,7 +99,7 @@ void scale_loads(QDL_Record &record, const UnitRatios &ratios, std::int32_t rigi
 void scale_invariants(QDL_Record &record, const UnitRatios &ratios) {
   for (int number = 1; number <= kLastInvariant; ++number) {
     const UnitConversion convert(invariant_unit_factor(number, ratios));
-    convert(record.invariants[static_cast<std::size_t>(number)].values);
+    convert(slot_of(record, number).values);
   }
 }
 

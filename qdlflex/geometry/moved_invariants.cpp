@@ -15,12 +15,8 @@
 namespace qdlflex {
 namespace {
 
-InvariantSlot &slot_of(QDL_Record &record, int number) {
-  return record.invariants[static_cast<std::size_t>(number)];
-}
-
 bool is_held(const QDL_Record &record, int number) {
-  return record.invariants[static_cast<std::size_t>(number)].origin != Origin::kEmpty;
+  return slot_of(record, number).origin != Origin::kEmpty;
 }
 
 /// Columns of matrices of three rows and one column per mode, one matrix after the other.
@@ -180,8 +176,7 @@ void turn_invariants(QDL_Record &record, const Matrix3 &matrix) noexcept {
 }
 
 void InvariantShift::choose(const QDL_Record &record, int number) {
-  const bool derived =
-      record.invariants[static_cast<std::size_t>(number)].origin == Origin::kDerived;
+  const bool derived = slot_of(record, number).origin == Origin::kDerived;
   const bool nodal = present(record, Block::kNodalMasses);
   // Sums over the nodes that pruning has left would miss the mass of the others.
   const bool summable = nodal && !record.mass_pruned;

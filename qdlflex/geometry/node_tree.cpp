@@ -6,15 +6,13 @@
 #include <limits>
 #include <span>
 
+#include "support/finite.h"
+
 namespace qdlflex {
 namespace {
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr std::size_t kLeafPoints = 8;
-
-bool is_finite(const Vector3 &place) {
-  return std::ranges::all_of(place, [](double value) { return std::isfinite(value); });
-}
 
 NodeTree::Box box_around(std::span<const NodeTree::Point> points) {
   NodeTree::Box box;

@@ -70,7 +70,7 @@ void change_frame(QDL_Record &record, const double *origin, const double *rotati
 /// Neither what is known nor what the file has belongs to the new modes and masses.
 void forget_invariants_and_statistics(QDL_Record &record) {
   for (int number = 1; number <= kLastInvariant; ++number) {
-    record.invariants[static_cast<std::size_t>(number)] = InvariantSlot{};
+    slot_of(record, number) = InvariantSlot{};
     if (number != 6)
       lower(record, invariant_block(number));
   }

@@ -8,6 +8,7 @@
 #include "geometry/matrix3.h"
 #include "geometry/rigid_motion.h"
 #include "support/boundary.h"
+#include "support/finite.h"
 
 namespace qdlflex {
 namespace {
@@ -19,8 +20,7 @@ constexpr double kLeastMirrorShift = 1e-10;
 
 /// None for a null pointer and for a component that is no finite number.
 std::optional<Vector3> finite_vector(const double *values) {
-  if (values == nullptr ||
-      !std::all_of(values, values + 3, [](double v) { return std::isfinite(v); }))
+  if (values == nullptr || !is_finite({values, 3}))
     return std::nullopt;
   return Vector3{values[0], values[1], values[2]};
 }
@@ -75,10 +75,6 @@ Matrix3 mirror_matrix(const Vector3 &normal) {
 Vector3 part_across(const Vector3 &axis, const Vector3 &point) {
   const Vector3 unit = times(1.0 / length_of(axis), axis);
   return difference(point, times(dot(point, unit), unit));
-}
-
-bool is_finite(const Vector3 &vector) {
-  return std::ranges::all_of(vector, [](double value) { return std::isfinite(value); });
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 #include "modes/mode_store.h"
 #include "numerics/mode_transformation.h"
 #include "record/derived.h"
+#include "record/invariant_layout.h"
 #include "record/lookups.h"
 #include "support/boundary.h"
 
@@ -47,9 +48,9 @@ bool write_scaled(QDL_Record &record, std::int32_t kind, std::int32_t modes, dou
 /// Those of pairs of modes have the factor twice.
 void scale_invariants(QDL_Record &record, double factor) {
   for (const int number : {3, 4, 8})
-    scale(record.invariants[static_cast<std::size_t>(number)].values, factor);
+    scale(slot_of(record, number).values, factor);
   for (const int number : {5, 9})
-    scale(record.invariants[static_cast<std::size_t>(number)].values, factor * factor);
+    scale(slot_of(record, number).values, factor * factor);
 }
 
 /// Pre-stress goes with the stress modes, pre-strain with the strain modes.

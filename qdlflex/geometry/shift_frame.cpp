@@ -11,6 +11,7 @@
 #include "numerics/rigid_body_modes.h"
 #include "numerics/rigid_invariants.h"
 #include "support/boundary.h"
+#include "support/finite.h"
 #include "support/messages.h"
 
 namespace qdlflex {
@@ -27,10 +28,6 @@ Vector3 centre_of_nodal_masses(const QDL_Record &record) {
   for (double &component : centre)
     component = mass == 0.0 ? NAN : component / mass;
   return centre;
-}
-
-bool is_finite(const Vector3 &vector) {
-  return std::ranges::all_of(vector, [](double component) { return std::isfinite(component); });
 }
 
 /// A force and moment about the old origin, taken about the new one.

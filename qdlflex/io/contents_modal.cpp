@@ -9,6 +9,7 @@
 #include "io/contents.h"
 #include "numerics/generalized_matrices.h"
 #include "numerics/qdlinvar.h"
+#include "record/invariant_layout.h"
 
 namespace qdlflex {
 namespace {
@@ -82,7 +83,7 @@ const double *ContentsReport::invariant(int number) {
 
 /// A rigid invariant that nothing was known about is zero.
 bool ContentsReport::is_known(int number) const {
-  const InvariantSlot &slot = record_.invariants[static_cast<std::size_t>(number)];
+  const InvariantSlot &slot = slot_of(record_, number);
   return slot.origin == Origin::kSupplied || present(record_, Block::kNodalMasses) ||
          record_.global_mass.mass != 0.0;
 }

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "numerics/symmetric_eigen.h"
+#include "support/finite.h"
 
 namespace qdlflex {
 namespace {

@@ -1,8 +1,5 @@
 #include "numerics/dense_product.h"
 
-#include <algorithm>
-#include <cmath>
-
 #include "numerics/linear_combination.h"
 
 namespace qdlflex {
@@ -13,10 +10,6 @@ std::vector<double> transposed(ConstColumns a) {
     for (std::size_t i = 0; i < a.rows; ++i)
       result[i * a.columns + j] = a.column(j)[i];
   return result;
-}
-
-bool is_finite(std::span<const double> values) {
-  return std::ranges::all_of(values, [](double value) { return std::isfinite(value); });
 }
 
 void multiply(ConstColumns a, ConstColumns b, Columns c) {

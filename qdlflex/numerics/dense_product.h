@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstddef>
-#include <span>
 #include <vector>
 
 namespace qdlflex {
@@ -27,8 +26,6 @@ using ConstColumns = ColumnsOf<const double>;
 
 /// The matrix row by row.
 std::vector<double> transposed(ConstColumns a);
-
-bool is_finite(std::span<const double> values);
 
 // Products of dense matrices. C must not overlap the factors.
 

@@ -11,6 +11,7 @@
 #include "numerics/gram_schmidt.h"
 #include "numerics/rigid_body_modes.h"
 #include "record/units.h"
+#include "support/finite.h"
 #include "support/messages.h"
 
 namespace qdlflex {

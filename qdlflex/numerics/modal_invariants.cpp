@@ -13,10 +13,6 @@
 namespace qdlflex {
 namespace {
 
-InvariantSlot &slot_of(QDL_Record &record, int number) {
-  return record.invariants[static_cast<std::size_t>(number)];
-}
-
 /// 5 and 9 are only derived together.
 bool has_partner(int number) {
   return number == 5 || number == 9;

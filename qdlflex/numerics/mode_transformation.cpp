@@ -233,14 +233,14 @@ bool combine_invariants(QDL_Record &record, std::int32_t new_modes,
                             coefficients};
   std::array<std::vector<double>, kModalInvariants.size()> combined;
   for (std::size_t i = 0; i < kModalInvariants.size(); ++i) {
-    const InvariantSlot &slot = record.invariants[static_cast<std::size_t>(kModalInvariants[i])];
+    const InvariantSlot &slot = slot_of(record, kModalInvariants[i]);
     if (slot.origin == Origin::kEmpty)
       continue;
     lay_out_invariant(record, kModalInvariants[i], mode_count(record));
     combined[i] = combine_invariant(kModalInvariants[i], slot.values, matrix);
   }
   for (std::size_t i = 0; i < kModalInvariants.size(); ++i) {
-    InvariantSlot &slot = record.invariants[static_cast<std::size_t>(kModalInvariants[i])];
+    InvariantSlot &slot = slot_of(record, kModalInvariants[i]);
     if (slot.origin == Origin::kEmpty)
       continue;
     slot.values = std::move(combined[i]);

@@ -9,6 +9,7 @@
 #include "numerics/eigenproblem.h"
 #include "numerics/eigenvalue_table.h"
 #include "record/units.h"
+#include "support/finite.h"
 
 namespace qdlflex {
 namespace {

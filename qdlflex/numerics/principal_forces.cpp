@@ -20,6 +20,7 @@
 #include "numerics/rigid_invariants.h"
 #include "numerics/rigid_projection.h"
 #include "support/boundary.h"
+#include "support/finite.h"
 
 namespace qdlflex {
 namespace {

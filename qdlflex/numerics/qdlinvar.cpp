@@ -23,10 +23,6 @@ namespace {
 
 constexpr const char *kArea = "qdlinvar";
 
-InvariantSlot &slot_of(QDL_Record &record, int number) {
-  return record.invariants[static_cast<std::size_t>(number)];
-}
-
 /// Whether a getter would read the block.
 bool is_still_in_file(const QDL_Record &record, Block block) {
   return present(record, block) && in_file(record, block) && has_known_offset(record, block);
@@ -123,7 +119,7 @@ constexpr int kFullNumbers[] = {1, 2, 3, 4, 5, 7, 8, 9};
 
 bool is_sufficient(const QDL_Record &record, const BulkRequest &request) {
   const auto is_filled = [&](int number) {
-    return record.invariants[static_cast<std::size_t>(number)].origin != Origin::kEmpty;
+    return slot_of(record, number).origin != Origin::kEmpty;
   };
   const auto has_block = [&](int number) { return present(record, invariant_block(number)); };
   return std::ranges::all_of(request.needed, is_filled) ||

@@ -9,6 +9,8 @@
 #include <numeric>
 #include <vector>
 
+#include "support/finite.h"
+
 namespace qdlflex {
 namespace {
 

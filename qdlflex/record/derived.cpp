@@ -1,5 +1,7 @@
 #include "record/derived.h"
 
+#include "record/invariant_layout.h"
+
 namespace qdlflex {
 namespace {
 
@@ -13,7 +15,7 @@ void forget(NodeSearch &search) {
 
 void drop_derived_invariants(QDL_Record &record, std::initializer_list<int> numbers) {
   for (const int number : numbers) {
-    InvariantSlot &slot = record.invariants[static_cast<std::size_t>(number)];
+    InvariantSlot &slot = slot_of(record, number);
     if (slot.origin == Origin::kDerived)
       slot = InvariantSlot{};
   }

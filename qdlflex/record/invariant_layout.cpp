@@ -83,12 +83,12 @@ bool is_modal_invariant(int number) {
 
 bool is_known(const QDL_Record &record, int number) {
   const Block block = invariant_block(number);
-  return record.invariants[static_cast<std::size_t>(number)].origin != Origin::kEmpty ||
+  return slot_of(record, number).origin != Origin::kEmpty ||
          (in_file(record, block) && present(record, block));
 }
 
 void lay_out_invariant(QDL_Record &record, int number, std::int32_t modes) {
-  InvariantSlot &slot = record.invariants[static_cast<std::size_t>(number)];
+  InvariantSlot &slot = slot_of(record, number);
   const InvariantShape shape = invariant_shape(number, modes);
   if (slot.modes == modes && slot.values.size() == shape.size())
     return;
@@ -100,7 +100,7 @@ void lay_out_invariant(QDL_Record &record, int number, std::int32_t modes) {
 }
 
 void cut_invariant(QDL_Record &record, int number, std::int32_t modes) {
-  InvariantSlot &slot = record.invariants[static_cast<std::size_t>(number)];
+  InvariantSlot &slot = slot_of(record, number);
   if (slot.modes <= modes || slot.values.empty())
     return;
   const auto before = static_cast<std::size_t>(slot.modes);

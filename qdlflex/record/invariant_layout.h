@@ -16,6 +16,14 @@ namespace qdlflex {
 
 constexpr int kLastInvariant = 9;
 
+/// The slot of the invariant with this number.
+inline InvariantSlot &slot_of(QDL_Record &record, int number) {
+  return record.invariants[static_cast<std::size_t>(number)];
+}
+inline const InvariantSlot &slot_of(const QDL_Record &record, int number) {
+  return record.invariants[static_cast<std::size_t>(number)];
+}
+
 struct InvariantShape {
   std::array<std::size_t, 3> extents{};
 
