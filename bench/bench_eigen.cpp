@@ -12,17 +12,8 @@
 #include "bench/compare.h"
 #include "bench/lapack.h"
 
+namespace qdlflex::bench {
 namespace {
-
-using qdlflex::bench::compare;
-using qdlflex::bench::Lapack;
-using qdlflex::bench::not_measured;
-using qdlflex::bench::open_blas;
-using qdlflex::bench::Problem;
-using qdlflex::bench::reference_lapack;
-using qdlflex::bench::register_row;
-using qdlflex::bench::require;
-using qdlflex::bench::Values;
 
 // What both sides overwrite.
 struct Work {
@@ -80,9 +71,8 @@ void solve_peers(const Problem &problem, const Lapack &lapack, Work &work) {
 
 void measure(benchmark::State &state, const Lapack &lapack, int n, double target) {
   const std::string order = std::to_string(n);
-  const qdlflex::bench::Comparison comparison{
-      "generalized eigenproblem of order " + order + " with vectors", "`dggev` of " + lapack.name(),
-      target};
+  const Comparison comparison{"generalized eigenproblem of order " + order + " with vectors",
+                              "`dggev` of " + lapack.name(), target};
   if (!lapack.is_there())
     return not_measured(state, comparison, lapack.name() + " is not installed");
 
@@ -113,3 +103,4 @@ bool register_rows() {
 const bool registered = register_rows();
 
 }  // namespace
+}  // namespace qdlflex::bench

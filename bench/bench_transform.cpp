@@ -1,6 +1,5 @@
 // Combining modes beside OpenBLAS's matrix product and beside copying the same bytes.
 
-#include <dlfcn.h>
 #include <qdlflex/qdlflex.h>
 
 #include <cmath>
@@ -15,52 +14,16 @@
 #include <vector>
 
 #include "bench/compare.h"
+#include "bench/open_blas.h"
 #include "bench/peak_memory.h"
 #include "bench/sample.h"
 #include "modes/mode_rewrite.h"
 #include "modes/mode_store.h"
 
+namespace qdlflex::bench {
 namespace {
 
-using qdlflex::bench::compare;
-using qdlflex::bench::Comparison;
-using qdlflex::bench::Model;
-using qdlflex::bench::not_measured;
-using qdlflex::bench::register_row;
-using qdlflex::bench::require;
-
 using Values = std::vector<double>;
-
-class OpenBlas {
- public:
-  OpenBlas() {
-    setenv("OPENBLAS_NUM_THREADS", "1", 1);
-    void *library =
-        dlopen("/usr/lib/x86_64-linux-gnu/openblas-pthread/libblas.so.3", RTLD_NOW | RTLD_LOCAL);
-    if (library != nullptr)
-      dgemm_ = reinterpret_cast<Dgemm *>(dlsym(library, "dgemm_"));
-  }
-
-  bool is_there() const { return dgemm_ != nullptr; }
-
-  // Column by column, as the modes stand: c = a b with a of n x m and b of m x k.
-  void multiply(int n, int m, int k, const double *a, const double *b, double *c) const {
-    const double one = 1.0;
-    const double zero = 0.0;
-    dgemm_("N", "N", &n, &k, &m, &one, a, &n, b, &m, &zero, c, &n, 1, 1);
-  }
-
- private:
-  using Dgemm = void(const char *, const char *, const int *, const int *, const int *,
-                     const double *, const double *, const int *, const double *, const int *,
-                     const double *, double *, const int *, std::size_t, std::size_t);
-  Dgemm *dgemm_ = nullptr;
-};
-
-const OpenBlas &open_blas() {
-  static const OpenBlas blas;
-  return blas;
-}
 
 struct Size {
   std::int32_t nodes;
@@ -87,8 +50,8 @@ Values random_values(std::size_t count) {
 
 // Gives a model all its modes in one piece.
 void set_all_modes(QDL_Record &record, const Size &size, const Values &modes) {
-  auto rewrite = qdlflex::ModeRewrite::begin(record, QDL_MODE_SHAPE, size.modes, size.nodes,
-                                             qdlflex::ModeRewrite::Measure::kCurrentUnits);
+  auto rewrite = ModeRewrite::begin(record, QDL_MODE_SHAPE, size.modes, size.nodes,
+                                    ModeRewrite::Measure::kCurrentUnits);
   require(rewrite.has_value(), "a file for the modes");
   for (std::int32_t mode = 0; mode < size.modes; ++mode) {
     const double *six = modes.data() + static_cast<std::size_t>(mode) * size.mode_values();
@@ -134,7 +97,7 @@ bool has_modes(QDL_Record *model, const Size &size, const Values &expected) {
   Values six(size.mode_values());
   for (std::int32_t mode = 0; mode < size.modes; ++mode) {
     const double *values = expected.data() + static_cast<std::size_t>(mode) * six.size();
-    if (!qdlflex::fetch_mode(*model, QDL_MODE_SHAPE, mode, six.data()))
+    if (!fetch_mode(*model, QDL_MODE_SHAPE, mode, six.data()))
       return false;
     for (std::size_t i = 0; i < six.size(); ++i)
       if (std::fabs(six[i] - values[i]) > 1e-12 * size.modes)
@@ -146,7 +109,8 @@ bool has_modes(QDL_Record *model, const Size &size, const Values &expected) {
 void dense(benchmark::State &state, const Size &size) {
   const Comparison comparison{"combine " + size.text() + ", file to file",
                               "`dgemm` of OpenBLAS, memory to memory", 0.5};
-  if (!open_blas().is_there())
+  Dgemm *const dgemm = open_blas_dgemm();
+  if (dgemm == nullptr)
     return not_measured(state, comparison, "OpenBLAS is not installed");
   const Values modes = random_values(size.values());
   // dgemm takes the same numbers column by column.
@@ -157,13 +121,16 @@ void dense(benchmark::State &state, const Size &size) {
     for (std::size_t j = 0; j < count; ++j)
       columns[j * count + i] = coefficients[i * count + j];
   Values product(modes.size());
+  const int rows = 6 * size.nodes;
+  const double one = 1.0;
+  const double zero = 0.0;
   const auto multiply = [&] {
-    open_blas().multiply(6 * size.nodes, size.modes, size.modes, modes.data(), columns.data(),
-                         product.data());
+    dgemm("N", "N", &rows, &size.modes, &size.modes, &one, modes.data(), &rows, columns.data(),
+          &size.modes, &zero, product.data(), &rows, 1, 1);
   };
 
   const Model model(model_of(size, modes));
-  const double memory = qdlflex::bench::peak_memory([&] { transform(model, size, coefficients); });
+  const double memory = peak_memory([&] { transform(model, size, coefficients); });
   multiply();
   require(has_modes(model, size, product), "the modes are those of dgemm");
   compare(
@@ -193,10 +160,10 @@ void sparse(benchmark::State &state, const char *name, const Size &size, std::si
         mode % 2 == 0 ? modes[v] : -modes[v];
   }
   const Model model(model_of(size, modes));
-  const double memory = qdlflex::bench::peak_memory([&] { transform(model, size, coefficients); });
+  const double memory = peak_memory([&] { transform(model, size, coefficients); });
   require(has_modes(model, size, expected), "the modes are where the matrix puts them");
 
-  const qdlflex::bench::Folder folder;
+  const Folder folder;
   std::vector<char> buffer(1 << 20);
   {
     std::ofstream file(folder.file("modes"), std::ios::binary);
@@ -234,3 +201,4 @@ bool register_rows() {
 const bool registered = register_rows();
 
 }  // namespace
+}  // namespace qdlflex::bench

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "bench/compare.h"
+#include "bench/open_blas.h"
 
 namespace qdlflex::bench {
 
@@ -96,10 +97,6 @@ class Lapack {
   using Dggev = void(const char *, const char *, const int *, double *, const int *, double *,
                      const int *, double *, double *, double *, double *, const int *, double *,
                      const int *, double *, const int *, int *, std::size_t, std::size_t);
-
-  using Dgemm = void(const char *, const char *, const int *, const int *, const int *,
-                     const double *, const double *, const int *, const double *, const int *,
-                     const double *, double *, const int *, std::size_t, std::size_t);
 
   std::string name_;
   Dggev *dggev_ = nullptr;
