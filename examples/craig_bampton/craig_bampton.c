@@ -15,6 +15,8 @@
 #include <stdlib.h>
 #include <string.h>
 
+#include "../example.h"
+
 /* The reduced pair is one and the same for both; the reduction itself is not exact. */
 static const double reduced_tolerance = 1e-8;
 static const double solver_tolerance = 1e-3;
@@ -39,29 +41,6 @@ typedef struct Reduced {
 } Reduced;
 
 static int wrong = 0;
-
-static int64_t print_error(const char *text) {
-  fprintf(stderr, "error: %s\n", text);
-  return 0;
-}
-
-static int64_t print_warning(const char *text) {
-  fprintf(stderr, "warning: %s\n", text);
-  return 0;
-}
-
-static void fail(const char *what, const char *name) {
-  fprintf(stderr, "craig_bampton: %s %s\n", what, name);
-  exit(1);
-}
-
-static void *allocate(size_t count, size_t size) {
-  void *const memory = calloc(count > 0 ? count : 1, size);
-  if (memory == NULL) {
-    fail("no memory for", "the model");
-  }
-  return memory;
-}
 
 static void require(int ok, const char *what) {
   if (!ok) {

@@ -8,15 +8,8 @@
 # Ends with 77 when ccx or scipy is missing (Debian packages calculix-ccx and python3-scipy).
 set -euo pipefail
 
-if [ $# -ne 2 ]; then
-  echo "usage: run.sh BUILD_DIR OUT_DIR" >&2
-  exit 2
-fi
-library=$(cd "$1/qdlflex" && pwd)
-mkdir -p "$2"
-output=$(cd "$2" && pwd)
-here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
-examples=$(dirname "$here")
+# shellcheck source=examples/prepare.sh
+. "$(dirname "${BASH_SOURCE[0]}")/../prepare.sh"
 interface_nodes=8
 normal_modes=40
 
@@ -53,8 +46,6 @@ echo "Reduction"
   "$interface_nodes" "$normal_modes"
 
 echo "Write, read back, compare"
-# shellcheck disable=SC2086
-${CC:-cc} -std=c99 -O2 -Wall -Wextra ${CFLAGS:-} -I "$examples/../include" \
-  "$here/craig_bampton.c" -o craig_bampton -L "$library" -Wl,-rpath,"$library" -lqdlflex -lm
+compile craig_bampton
 rm -f bracket.qdl
 ./craig_bampton reduced.txt bracket.qdl bracket.dat

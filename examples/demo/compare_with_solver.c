@@ -18,6 +18,8 @@ static const double frequency_limit = 1e-6; /* relative, elastic modes; the tabl
 #include <stdlib.h>
 #include <string.h>
 
+#include "../example.h"
+
 enum { most_modes = 1000, line_size = 256 };
 
 /* What the solver printed. Eigenvalues in (rad/s)^2, negative ones too. */
@@ -28,16 +30,6 @@ typedef struct Tables {
   double eigenvalues[most_modes];
   int modes;
 } Tables;
-
-static int64_t print_message(const char *text) {
-  fprintf(stderr, "%s\n", text);
-  return 0;
-}
-
-static void fail(const char *what, const char *name) {
-  fprintf(stderr, "compare_with_solver: %s %s\n", what, name);
-  exit(1);
-}
 
 static int begins_with(const char *line, const char *text) {
   return strncmp(line, text, strlen(text)) == 0;
@@ -161,7 +153,7 @@ static int compare_frequencies(QDL_Record *model, const Tables *tables) {
 }
 
 int main(int argc, char **argv) {
-  const QDL_MessageHandler handlers[3] = {print_message, print_message, NULL};
+  const QDL_MessageHandler handlers[3] = {print_error, print_warning, NULL};
   QDL_Record *model;
   Tables tables;
   int beyond;

@@ -14,6 +14,8 @@
 #include <stdlib.h>
 #include <string.h>
 
+#include "../example.h"
+
 enum { kinds = 3, parts = 2, numbers_per_node = 3 };
 
 static const char *const kind_names[kinds] = {"mode shapes", "stress modes", "strain modes"};
@@ -25,29 +27,6 @@ typedef struct Comparison {
   double largest_difference;
   double largest_value;
 } Comparison;
-
-static int64_t print_error(const char *text) {
-  fprintf(stderr, "error: %s\n", text);
-  return 0;
-}
-
-static int64_t print_warning(const char *text) {
-  fprintf(stderr, "warning: %s\n", text);
-  return 0;
-}
-
-static void fail(const char *what, const char *name) {
-  fprintf(stderr, "demo: %s %s\n", what, name);
-  exit(1);
-}
-
-static void *allocate(size_t count, size_t size) {
-  void *const memory = calloc(count > 0 ? count : 1, size);
-  if (memory == NULL) {
-    fail("no memory for", "the values of a mode");
-  }
-  return memory;
-}
 
 /* The writer takes its options from an environment variable. */
 static void write_as(QDL_Record *model, const char *options, const char *path) {

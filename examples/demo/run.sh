@@ -6,24 +6,11 @@
 # Uses the command and the library of BUILD_DIR and leaves its files in OUT_DIR.
 set -euo pipefail
 
-if [ $# -ne 2 ]; then
-  echo "usage: run.sh BUILD_DIR OUT_DIR" >&2
-  exit 2
-fi
-build=$(cd "$1" && pwd)
-mkdir -p "$2"
-output=$(cd "$2" && pwd)
-here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
-examples=$(dirname "$here")
+# shellcheck source=examples/prepare.sh
+. "$(dirname "${BASH_SOURCE[0]}")/../prepare.sh"
 command=$build/cli/qdlflex
-library=$build/qdlflex
 
 title() { printf '\n=== %s ===\n' "$*"; }
-
-compile() {
-  ${CC:-cc} -std=c99 -O2 -Wall -Wextra -I "$examples/../include" "$here/$1.c" -o "$1" \
-    -L "$library" -Wl,-rpath,"$library" -lqdlflex -lm
-}
 
 title "A bracket solved with CalculiX (examples/calculix)"
 cp "$examples"/calculix/*.inp "$output"
