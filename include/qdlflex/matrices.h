@@ -257,7 +257,9 @@ QDL_API int32_t QDL_LUPInvert(double **factors, int32_t n, const int32_t *permut
  * new modes (forces already on the principal axes of the body stay), modes are numbered from 1, the
  * eigenvalue table is made anew and the entries are discarded; generalized damping is not
  * transformed. Modes of infinite eigenvalue (singular mass) are dropped; an eigenvalue that is not
- * real loses its imaginary part. Both are warned about, and all eigenvalues reported.
+ * real loses its imaginary part. Both are warned about, and all eigenvalues reported. Where memory
+ * runs out in the step that makes the eigenvectors orthonormal, that is reported and the step
+ * skipped: they are then scaled to a largest component of 1.
  *
  * Without such entries the modes stay what they are, and the transformation becomes the identity if
  * there is none; where QDL_SetShouldMassNormalizeModes() asks for it, modes of another generalized

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <numeric>
+#include <utility>
 
 #include <qdlflex/qdlflex.h>
 
@@ -11,11 +12,14 @@
 #include "numerics/gram_schmidt.h"
 #include "numerics/rigid_body_modes.h"
 #include "record/units.h"
+#include "support/boundary.h"
 #include "support/finite.h"
 #include "support/messages.h"
 
 namespace qdlflex {
 namespace {
+
+constexpr const char *kArea = "qdlwrite";
 
 /// What the stages of the solver leave: eigenvalues (alfr + i alfi) / beta and vectors.
 struct QzResult {
@@ -200,18 +204,12 @@ void normalize_diagonal(const GeneralizedPair &pair, Columns t) {
   }
 }
 
-}  // namespace
-
-void orthonormalize_vectors(const GeneralizedPair &pair, EigenSolution &solution) {
+/// By Gram-Schmidt or, where that fails, by the method for definite problems.
+void combine_vectors(const GeneralizedPair &pair, EigenSolution &solution) {
   constexpr double kGood = 1e-10;
   constexpr double kUseless = 1e-6;
   constexpr int kMostRepeats = 2;
-  QDL_Info("\n  Applying Gram-Schmidt to eigenvectors \n ");
   const Columns t = solution.columns();
-  if (pair.diagonal) {
-    normalize_diagonal(pair, t);
-    return;
-  }
   // Infinite ones come last and will be dropped.
   const std::size_t count = finite_count(solution.eigenvalues);
   GramSchmidt method(pair.m());
@@ -226,6 +224,23 @@ void orthonormalize_vectors(const GeneralizedPair &pair, EigenSolution &solution
   const bool useless = !solution.converged || method.found_dependent(count) || !(error <= kUseless);
   if (useless && count == pair.order)
     solve_definite(pair.k(), pair.m(), t, solution.eigenvalues);
+}
+
+}  // namespace
+
+void orthonormalize_vectors(const GeneralizedPair &pair, EigenSolution &solution) {
+  QDL_Info("\n  Applying Gram-Schmidt to eigenvectors \n ");
+  if (pair.diagonal) {
+    normalize_diagonal(pair, solution.columns());
+    return;
+  }
+  // Out of memory here is reported and no failure.
+  guarded(kArea, 0, [&] {
+    EigenSolution orthonormal = solution;
+    combine_vectors(pair, orthonormal);
+    solution = std::move(orthonormal);
+    return 1;
+  });
 }
 
 std::size_t finite_count(const std::vector<double> &eigenvalues) {

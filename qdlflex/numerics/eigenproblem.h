@@ -41,7 +41,8 @@ void report_eigenvalues(const std::vector<double> &eigenvalues, double unit_fact
 
 /// Replaces the eigenvectors by orthonormal combinations with respect to the mass and, where they
 /// turn out to depend on each other, by those of a method for definite problems. A vector whose
-/// generalized mass is not positive stays as it is.
+/// generalized mass is not positive stays as it is, and so do all without memory for the step,
+/// which is reported.
 void orthonormalize_vectors(const GeneralizedPair &pair, EigenSolution &solution);
 
 /// Number of eigenvalues before the first infinite one.
