@@ -102,33 +102,6 @@ TEST_F(DenseAlgebra, OrderOneAlwaysSucceeds) {
   expect_no_messages();
 }
 
-double binomial(int n, int k) {
-  double result = 1.0;
-  for (int i = 1; i <= k; ++i)
-    result = result * (n - k + i) / i;
-  return result;
-}
-
-// The inverse of the Hilbert matrix is a matrix of known integers.
-TEST_F(DenseAlgebra, InvertsTheHilbertMatrix) {
-  constexpr int kOrder = 6;
-  Rows hilbert(kOrder, std::vector<double>(kOrder));
-  for (int i = 0; i < kOrder; ++i)
-    for (int j = 0; j < kOrder; ++j)
-      hilbert[static_cast<std::size_t>(i)][static_cast<std::size_t>(j)] = 1.0 / (i + j + 1);
-  System system(hilbert);
-  ASSERT_EQ(system.decompose(), 1);
-  ASSERT_EQ(system.invert(), 1);
-  for (int i = 1; i <= kOrder; ++i)
-    for (int j = 1; j <= kOrder; ++j) {
-      const double root = binomial(i + j - 2, i - 1);
-      const double magnitude = (i + j - 1) * binomial(kOrder + i - 1, kOrder - j) *
-                               binomial(kOrder + j - 1, kOrder - i) * root * root;
-      const double expected = (i + j) % 2 == 0 ? magnitude : -magnitude;
-      EXPECT_NEAR(system.rows[static_cast<std::size_t>(i - 1)][j - 1], expected, 1e-8 * magnitude);
-    }
-}
-
 TEST_F(DenseAlgebra, SolvesAndInvertsRandomSystems) {
   std::mt19937_64 engine(1);
   std::uniform_real_distribution<double> uniform(-1.0, 1.0);

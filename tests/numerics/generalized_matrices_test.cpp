@@ -7,9 +7,9 @@
 #include <cstdint>
 #include <vector>
 
+#include "numerics/modal_body.h"
 #include "record/record.h"
 #include "support/fault.h"
-#include "support/fixture.h"
 
 namespace {
 
@@ -74,14 +74,6 @@ Matrix selected(const Functions &matrix, QDL_Record *model, const Integers &mode
 
 class GeneralizedMatrices : public MessageFixture {
  protected:
-  // Modes 10, 20, 30, ...
-  QDL_Record *with_modes(std::int32_t count) {
-    QDL_Record *model = QDL_Create(0, count);
-    for (std::int32_t mode = 1; mode <= count; ++mode)
-      QDL_AddMode(model, 10 * mode);
-    return model;
-  }
-
   // Entries out of order; the place (0, 2) twice.
   QDL_Record *with_entries(const Functions &matrix) {
     QDL_Record *model = with_modes(3);

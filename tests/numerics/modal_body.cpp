@@ -30,6 +30,13 @@ void set_matrices(QDL_Record *model, const Pair &pair) {
     }
 }
 
+QDL_Record *with_modes(std::int32_t count) {
+  QDL_Record *model = QDL_Create(0, count);
+  for (std::int32_t mode = 1; mode <= count; ++mode)
+    QDL_AddMode(model, 10 * mode);
+  return model;
+}
+
 QDL_Record *ModalBody::body(const Pair &pair) {
   constexpr std::int32_t kNodes = 2;
   const auto modes = static_cast<std::int32_t>(pair.a.order);

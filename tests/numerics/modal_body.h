@@ -20,6 +20,9 @@ class ModalBody : public MessageFixture {
   QDL_Record *body(const Pair &pair);
 };
 
+// No nodes; modes 10, 20, 30, ...
+QDL_Record *with_modes(std::int32_t count);
+
 // The entries of symmetric matrices.
 void set_matrices(QDL_Record *model, const Pair &pair);
 

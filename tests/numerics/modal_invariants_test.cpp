@@ -1,4 +1,4 @@
-// Invariants 3, 4, 5, 6, 8 and 9 and the functions that obtain several at once.
+// Invariants 3, 4, 5, 6, 8 and 9, those of a file, and the functions that obtain several at once.
 #include <gtest/gtest.h>
 #include <qdlflex/qdlflex.h>
 
@@ -19,19 +19,12 @@
 
 namespace {
 
+using qdltest::taken;
 using Values = std::vector<double>;
 using Vector = std::array<double, 3>;
 
 constexpr std::size_t size(std::int32_t count) {
   return static_cast<std::size_t>(count);
-}
-
-Values taken(double *array, std::size_t count) {
-  if (array == nullptr)
-    return {};
-  Values values(array, array + count);
-  QDL_FreeMemory(array);
-  return values;
 }
 
 Values operator+(Values values, const Values &more) {
@@ -200,100 +193,6 @@ const Values kZeros(9);
 
 }  // namespace
 
-// Modes t + B r of a lattice that fills a box: translations, rotations about the origin, a stretch
-// and a shear. All sums follow from mass, centre and second moments of the lattice, which has
-// 1 - 1/n^2 of the box's variance along a side of n cells.
-TEST_F(ModalInvariants, OfABoxFollowFromItsMoments) {
-  constexpr std::int32_t kCells = 7;
-  constexpr double kMass = 30;
-  const Vector sides = {2, 3, 5};
-  const std::vector<std::array<Vector, 4>> modes = {
-      // t, then the columns of B
-      {{{1, 0, 0}, {}, {}, {}}},
-      {{{0, 1, 0}, {}, {}, {}}},
-      {{{0, 0, 1}, {}, {}, {}}},
-      {{{}, {0, 0, 0}, {0, 0, 1}, {0, -1, 0}}},
-      {{{}, {0, 0, -1}, {0, 0, 0}, {1, 0, 0}}},
-      {{{}, {0, 1, 0}, {-1, 0, 0}, {0, 0, 0}}},
-      {{{0.5, 0, 0}, {2, 0, 0}, {0, -1, 0}, {}}},
-      {{{}, {}, {0, 0, 3}, {0, 0.25, 0}}},
-  };
-  const auto m = modes.size();
-  QDL_Record *model = QDL_Create(kCells * kCells * kCells, static_cast<std::int32_t>(m));
-  for (std::int32_t n = 0; n < kCells * kCells * kCells; ++n) {
-    const std::array<int, 3> cell = {n % kCells, n / kCells % kCells, n / kCells / kCells};
-    Vector r{};
-    for (std::size_t c = 0; c < 3; ++c)
-      r[c] = sides[c] * (cell[c] + 0.5) / kCells;
-    QDL_SetNodeCoordinates(model, n, r[0], r[1], r[2]);
-    QDL_SetNodalMass(model, n, kMass / (kCells * kCells * kCells));
-    for (std::size_t j = 0; j < m; ++j) {
-      double six[6] = {};
-      for (std::size_t c = 0; c < 3; ++c)
-        six[c] =
-            modes[j][0][c] + modes[j][1][c] * r[0] + modes[j][2][c] * r[1] + modes[j][3][c] * r[2];
-      QDL_SetModeVec(model, static_cast<std::int32_t>(j), n, 0, six);
-    }
-  }
-
-  // Moments of (1, x, y, z).
-  std::array<std::array<double, 4>, 4> moments{};
-  for (std::size_t a = 0; a < 4; ++a) {
-    for (std::size_t b = 0; b < 4; ++b) {
-      moments[a][b] = kMass * (a > 0 ? sides[a - 1] / 2 : 1.0) * (b > 0 ? sides[b - 1] / 2 : 1.0);
-      if (a == b && a > 0)
-        moments[a][b] += kMass * sides[a - 1] * sides[a - 1] / 12 * (1 - 1.0 / (kCells * kCells));
-    }
-  }
-  // Sum of m u v^T for two such fields.
-  using Field = std::array<Vector, 4>;
-  const auto product = [&](const Field &u, const Field &v) {
-    std::array<Vector, 3> sum{};
-    for (std::size_t c = 0; c < 3; ++c)
-      for (std::size_t d = 0; d < 3; ++d)
-        for (std::size_t a = 0; a < 4; ++a)
-          for (std::size_t b = 0; b < 4; ++b)
-            sum[c][d] += u[a][c] * moments[a][b] * v[b][d];
-    return sum;
-  };
-  const auto cross = [&](const Field &u, const Field &v) -> Vector {
-    const auto p = product(u, v);
-    return {p[1][2] - p[2][1], p[2][0] - p[0][2], p[0][1] - p[1][0]};
-  };
-  // ~u ~v = v u^T - (u . v) E
-  const auto tilde = [&](const Field &u, const Field &v) {
-    const auto p = product(v, u);
-    Values sum;
-    for (std::size_t c = 0; c < 3; ++c)
-      for (std::size_t d = 0; d < 3; ++d)
-        sum.push_back(p[c][d] - (c == d ? p[0][0] + p[1][1] + p[2][2] : 0.0));
-    return sum;
-  };
-  const Field position = {{{}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}}};
-  Modal expected{Values(3 * m), Values(3 * m), Values(3 * m * m), {}, {}};
-  for (std::size_t k = 0; k < m; ++k) {
-    for (std::size_t c = 0; c < 3; ++c) {
-      for (std::size_t a = 0; a < 4; ++a)
-        expected.third[c * m + k] += modes[k][a][c] * moments[a][0];
-      expected.fourth[c * m + k] = cross(position, modes[k])[c];
-      for (std::size_t j = 0; j < m; ++j)
-        expected.fifth[(3 * k + c) * m + j] = cross(modes[k], modes[j])[c];
-    }
-    expected.eighth = expected.eighth + tilde(position, modes[k]);
-    for (std::size_t i = 0; i < m; ++i)
-      expected.ninth = expected.ninth + tilde(modes[k], modes[i]);
-  }
-  expect_near(obtained(model), expected);
-
-  // Of the body's rotations invariant 4 is the inertia about the origin, column by column.
-  const Values inertia = taken(QDL_Invar7(model), 9);
-  const Values fourth = taken(QDL_Invar4(model), 3 * m);
-  for (std::size_t c = 0; c < 3; ++c)
-    for (std::size_t d = 0; d < 3; ++d)
-      EXPECT_NEAR(fourth[c * m + 3 + d], inertia[3 * c + d], 1e-12 * inertia[0]);
-  expect_only_warnings({});
-}
-
 // A beam along x with powers of x as modes. Its nodes are the points of Gauss' quadrature and its
 // masses the weights, so that the sums are the integrals.
 TEST_F(ModalInvariants, OfABeamAreIntegralsOfItsModes) {
@@ -347,20 +246,14 @@ TEST_F(ModalInvariants, AreTheVeryNumbersOfPlainLoops) {
   }
 }
 
-TEST_F(ModalInvariants, OfModesInAFileAreTheSameInEveryEncoding) {
-  QDL_Record *model = irregular_model(300, 5);
-  const Modal expected = obtained(model);
-  for (const char *const options :
-       {"no_ortho", "no_ortho,no_xdr", "no_ortho,single", "no_ortho,single,no_xdr"}) {
+TEST_F(ModalInvariants, OfModesInAFileAreThoseOfPlainLoops) {
+  for (const char *const options : {"no_ortho", "no_ortho,single,no_xdr"}) {
     SCOPED_TRACE(options);
     const qdltest::ScopedEnvironment environment("ZEB_QDLWRITE_OPTIONS", options);
-    ASSERT_EQ(QDL_write_QDL(model, path("body.qdl").c_str()), 1);
+    ASSERT_EQ(QDL_write_QDL(irregular_model(300, 5), path("body.qdl").c_str()), 1);
     QDL_Record *read = QDL_CreateFromQDL(path("body.qdl").c_str());
     ASSERT_NE(read, nullptr);
-    const Modal values = obtained(read);
-    expect_equal(values, summed(Body(read)));
-    const bool single = std::string(options).find("single") != std::string::npos;
-    expect_near(values, expected, single ? 1e-6 : 0.0);
+    expect_equal(obtained(read), summed(Body(read)));
     QDL_UnLink(read);
   }
 }
@@ -384,6 +277,10 @@ TEST_F(ModalInvariants, OfTheFileWinOverItsNodes) {
     QDL_Record *model = open(qdltest::build_file(code));
     ASSERT_NE(model, nullptr);
     clear_messages();
+    QDL_SetNodalMass(model, 7, 1000.0);
+    EXPECT_EQ(QDL_Invar1(model), content.invariants[1][0]);
+    EXPECT_EQ(taken(QDL_Invar2(model), 3), content.invariants[2]);
+    EXPECT_EQ(taken(QDL_Invar7(model), 9), content.invariants[7]);
     const Modal values = obtained(model);
     expect_equal(values, {content.invariants[3], content.invariants[4], content.invariants[5],
                           content.invariants[8], content.invariants[9]});
@@ -391,17 +288,6 @@ TEST_F(ModalInvariants, OfTheFileWinOverItsNodes) {
     expect_equal(obtained(model), values);
     EXPECT_EQ(errors, std::vector<std::string>{});
   }
-}
-
-TEST_F(ModalInvariants, OfABlockForOtherModesAreReported) {
-  qdltest::SampleFile sample = qdltest::build_file(60, {4, 7, 8, 9, 11, 25});
-  sample.patch_i32(sample.offset[25], 3);
-  QDL_Record *model = open(sample);
-  ASSERT_NE(model, nullptr);
-  clear_messages();
-  EXPECT_EQ(taken(QDL_Invar8(model, 0), 9).size(), 9U);
-  ASSERT_EQ(errors.size(), 1U);
-  EXPECT_TRUE(errors[0].starts_with("nm!=ModeCount at line ")) << errors[0];
 }
 
 TEST_F(ModalInvariants, TheFifthAndTheNinthAreDerivedTogether) {

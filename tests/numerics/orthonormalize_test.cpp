@@ -186,6 +186,23 @@ TEST_F(Orthonormalize, DropsModesOfSingularMass) {
   EXPECT_EQ(report().back(), "   2 : Infinity.  Possible mass singularity.  Ignored.");
 }
 
+TEST_F(Orthonormalize, KeepsTheFiniteModesOfSingularMass) {
+  for (const std::size_t infinite : {1u, 3u, 9u}) {
+    SCOPED_TRACE(infinite);
+    Values masses(24, 1.0);
+    std::fill_n(masses.begin(), infinite, 0.0);
+    Values stiffness;
+    for (std::size_t i = 0; i < masses.size(); ++i)
+      stiffness.push_back(1.0 + 0.5 * static_cast<double>(i));
+    QDL_Record *model = body(congruent(stiffness, masses, 2));
+    ASSERT_EQ(QDL_OrthoNormalize(model), 1);
+    stiffness.erase(stiffness.begin(), stiffness.begin() + static_cast<std::ptrdiff_t>(infinite));
+    expect_near(eigenvalues_of(model), stiffness, 1e-11 * stiffness.back());
+    EXPECT_EQ(warnings.size(), infinite);
+    clear_messages();
+  }
+}
+
 TEST_F(Orthonormalize, MayLeaveNoModeAtAll) {
   // A stored mass that is zero everywhere.
   for (const Index order : {1, 3}) {

@@ -5,6 +5,7 @@
 #include <limits>
 #include <string>
 
+#include "numerics/modal_body.h"
 #include "principal_axes_body.h"
 #include "support/fault.h"
 
@@ -31,15 +32,7 @@ class PrincipalForces : public PrincipalAxes {
   static Values load(QDL_Record *model, std::int32_t load_case) {
     std::int32_t count = 0;
     double *values = QDL_GetModalLoad(model, load_case, &count);
-    const Values copy(values, values + count);
-    QDL_FreeMemory(values);
-    return copy;
-  }
-
-  static void expect_near(const Values &found, const Values &wanted, double tolerance) {
-    ASSERT_EQ(found.size(), wanted.size());
-    for (std::size_t i = 0; i < found.size(); ++i)
-      EXPECT_NEAR(found[i], wanted[i], tolerance) << i;
+    return taken(values, static_cast<std::size_t>(count));
   }
 
   // What the body is as a whole, by plain sums, for a model without nodal masses.
@@ -172,9 +165,8 @@ TEST_F(PrincipalForces, WarnOfEveryRigidComponentOfThePreload) {
   std::int32_t count = 0;
   double *values = QDL_GetModalPreload(model, &count);
   // The motions are orthogonal: the load's factor is the root of the body's mass or inertia.
-  expect_near({values, values + count}, {0, std::sqrt(12.0), 0, 0, 0, -std::sqrt(22.0), 8.0, 0},
-              1e-12);
-  QDL_FreeMemory(values);
+  expect_near(taken(values, static_cast<std::size_t>(count)),
+              {0, std::sqrt(12.0), 0, 0, 0, -std::sqrt(22.0), 8.0, 0}, 1e-12);
   EXPECT_EQ(QDL_ModalPreloadProcessed(model), 1);
   clear_messages();
   QDL_RigidBodyForcesOnPrincipalAxes(model);

@@ -7,7 +7,10 @@
 #include <cmath>
 #include <cstring>
 #include <limits>
+#include <optional>
 #include <random>
+
+#include "support/fault.h"
 
 namespace qdltest {
 
@@ -162,11 +165,16 @@ Solution solve(const Pair &pair, const Options &options) {
   double *alfi = solution.alfi.data();
   double *beta = solution.beta.data();
 
+  std::optional<FailAllocation> fault;
+  if (!options.has_memory)
+    fault.emplace(1, Persistence::kEverAfter);
   QDL_QZHESS(&nm, &n, a.data(), b.data(), &matz, z.data());
   QDL_QZITT(&nm, &n, a.data(), b.data(), &options.eps1, &matz, z.data(), &solution.ierr);
   QDL_QZVALL(&nm, &n, a.data(), b.data(), alfr, alfi, beta, &matz, z.data());
   if (options.vectors)
     QDL_QZVECC(&nm, &n, a.data(), b.data(), alfr, alfi, beta, z.data());
+  EXPECT_EQ(fault && fault->fired(), !options.has_memory);
+  fault.reset();
 
   solution.a = gather(a, order, leading);
   solution.b = gather(b, order, leading);

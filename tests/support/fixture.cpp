@@ -47,6 +47,14 @@ fs::path make_directory() {
 
 }  // namespace
 
+std::vector<double> taken(double *array, std::size_t count) {
+  std::vector<double> values;
+  if (array != nullptr)
+    values.assign(array, array + count);
+  QDL_FreeMemory(array);
+  return values;
+}
+
 ScopedEnvironment::ScopedEnvironment(const std::string &name, const char *value) : name_(name) {
   if (const char *before = std::getenv(name.c_str()))
     before_ = before;

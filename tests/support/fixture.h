@@ -29,6 +29,9 @@ class ScopedEnvironment {
 
 std::size_t open_descriptors();
 
+// The values of an array that the library has handed out, which is released; none for null.
+std::vector<double> taken(double *array, std::size_t count);
+
 void write_file(const std::filesystem::path &path, const std::vector<std::uint8_t> &bytes);
 std::vector<std::uint8_t> read_file(const std::filesystem::path &path);
 
