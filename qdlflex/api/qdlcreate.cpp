@@ -40,7 +40,7 @@ QDL_Record *open_model(const char *name, bool surface_mesh) {
   return guarded(kArea, static_cast<QDL_Record *>(nullptr), [&]() -> QDL_Record * {
     if (QDL_Record *open = find_by_name(name, surface_mesh))
       return open;
-    std::shared_ptr<File> file = File::open(name, "rb");
+    std::shared_ptr<File> file = File::open(name, File::Access::kRead);
     if (file == nullptr)
       return nullptr;
     auto record = std::make_unique<QDL_Record>();

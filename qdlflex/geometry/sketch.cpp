@@ -103,7 +103,7 @@ bool apply_sketch(QDL_Record &record, const char *path) {
     QDL_Warning("Failed to apply sketch file.  Usage: sketch(filename)");
     return false;
   }
-  const std::shared_ptr<File> file = File::open(path, "r");
+  const std::shared_ptr<File> file = File::open(path, File::Access::kRead);
   if (file == nullptr) {
     QDL_Warning("Failed to open sketch file %s", path);
     return false;

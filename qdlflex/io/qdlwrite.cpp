@@ -92,7 +92,7 @@ bool write_file(QDL_Record &record, const std::string &path) {
   if (would_destroy_open_data(record, path))
     return false;
   const FileSizeSignalBlock no_signal;
-  const std::shared_ptr<File> file = File::open(path, "wb");
+  const std::shared_ptr<File> file = File::open(path, File::Access::kWrite);
   if (file == nullptr) {
     report_unable_to_open(path.c_str());
     return false;

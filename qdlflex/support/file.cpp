@@ -126,15 +126,27 @@ std::shared_ptr<File> File::adopt(std::FILE *stream, const char *name) {
   return file;
 }
 
-std::shared_ptr<File> File::open(const std::string &name, const char *mode) {
+std::shared_ptr<File> File::open(const std::string &name, Access access) {
   auto file = std::make_shared<File>(name);
-  file->stream_ = open_stream(name.c_str(), mode);
+  if (file_fault(FileOperation::kOpen))
+    return nullptr;
+  const bool writing = access == Access::kWrite;
+  constexpr mode_t kAsTheUserMasks = 0666;
+  // A pipe must not keep the caller waiting for its other end: it can't be read as a file anyway.
+  const int flags = (writing ? O_WRONLY | O_CREAT | O_TRUNC : O_RDONLY) | O_CLOEXEC | O_NONBLOCK;
+  const int descriptor = ::open(name.c_str(), flags, kAsTheUserMasks);
+  if (descriptor < 0)
+    return nullptr;
+  file->stream_ = ::fdopen(descriptor, writing ? "wb" : "rb");
+  if (file->stream_ == nullptr) {
+    ::close(descriptor);
+    return nullptr;
+  }
   // Files are written in many small pieces.
   constexpr std::size_t kWriteBuffer = 1 << 18;
-  const bool writing = mode[0] == 'w';
-  if (writing && file->stream_ != nullptr)
+  if (writing)
     std::setvbuf(file->stream_, nullptr, _IOFBF, kWriteBuffer);
-  return file->stream_ == nullptr ? nullptr : file;
+  return file;
 }
 
 std::shared_ptr<File> File::create_temporary(std::string &name) {

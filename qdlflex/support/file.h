@@ -61,8 +61,10 @@ class File {
 
   /// Takes over an open stream, which is closed when memory for the rest can't be had.
   static std::shared_ptr<File> adopt(std::FILE *stream, const char *name);
-  /// Null when it can't be opened.
-  static std::shared_ptr<File> open(const std::string &name, const char *mode);
+  enum class Access { kRead, kWrite };
+  /// Null when it can't be opened. Never waits for the other end of a pipe. A file that is opened
+  /// for writing is emptied.
+  static std::shared_ptr<File> open(const std::string &name, Access access);
   /// A new temporary file, readable by the owner only: `name` when it is not empty (emptied if it
   /// exists), else a fresh name with the prefix "qdl_" in the temporary directory. `name` receives
   /// the name tried. Null on failure.

@@ -37,7 +37,7 @@ class Encodings : public MessageFixture {
  protected:
   template <class Write>
   std::vector<std::uint8_t> written(bool xdr, bool double_precision, Write write) {
-    const auto file = File::open(path("out.bin"), "wb");
+    const auto file = File::open(path("out.bin"), File::Access::kWrite);
     Sink sink(*file, {xdr, double_precision});
     EXPECT_TRUE(write(sink));
     sink.finish();
@@ -104,7 +104,7 @@ TEST_F(Encodings, WhatIsWrittenReadsBackBitForBit) {
     written(xdr, true, [&](Sink &sink) {
       return sink.i32(-5) && sink.reals(reals.data(), reals.size()) && sink.characters("end", 8);
     });
-    const auto file = File::open(path("out.bin"), "rb");
+    const auto file = File::open(path("out.bin"), File::Access::kRead);
     Source source(*file, {xdr, true});
     std::int32_t number = 0;
     std::vector<double> read(reals.size());

@@ -1,8 +1,11 @@
 // Every error of the reader, from a file damaged in one place. The text is exact and comes once.
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
 
 #include <algorithm>
+#include <array>
 #include <climits>
 #include <cstdint>
 #include <filesystem>
@@ -283,6 +286,23 @@ TEST_F(Truncation, EveryPrefixReportsTheBlockThatIsCut) {
 
 using NotQdl = ReadFixture;
 
+// While it lives, no further descriptor can be opened.
+class DescriptorLimit {
+ public:
+  DescriptorLimit() {
+    getrlimit(RLIMIT_NOFILE, &before_);
+    rlimit limit = before_;
+    limit.rlim_cur = 3;
+    setrlimit(RLIMIT_NOFILE, &limit);
+  }
+  ~DescriptorLimit() { setrlimit(RLIMIT_NOFILE, &before_); }
+  DescriptorLimit(const DescriptorLimit &) = delete;
+  DescriptorLimit &operator=(const DescriptorLimit &) = delete;
+
+ private:
+  rlimit before_{};
+};
+
 TEST_F(NotQdl, CodesThatFitNeitherEncoding) {
   using Bytes = std::vector<std::uint8_t>;
   const std::vector<Bytes> words = {
@@ -301,12 +321,43 @@ TEST_F(NotQdl, CodesThatFitNeitherEncoding) {
   }
 }
 
-TEST_F(NotQdl, DirectoriesAndMissingFiles) {
-  EXPECT_EQ(QDL_CreateFromQDL(directory().c_str()), nullptr);
-  expect_only_error(kNotQdl);
+// None of them may keep the caller waiting.
+TEST_F(NotQdl, WhatIsNoRegularFile) {
+  const std::string pipe = path("pipe");
+  ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+  for (const std::string &name : {directory().string(), pipe, std::string("/dev/null"),
+                                  std::string("/dev/zero"), std::string("/dev/full")}) {
+    SCOPED_TRACE(name);
+    clear_messages();
+    EXPECT_EQ(QDL_CreateFromQDL(name.c_str()), nullptr);
+    expect_only_error(kNotQdl);
+  }
+}
+
+TEST_F(NotQdl, NamesThatLeadNowhere) {
+  std::filesystem::create_symlink(path("second"), path("first"));
+  std::filesystem::create_symlink(path("first"), path("second"));
+  for (const std::string &name : {path("missing.qdl"), path("first"), std::string()})
+    EXPECT_EQ(QDL_CreateFromQDL(name.c_str()), nullptr) << name;
+  expect_no_messages();
+}
+
+TEST_F(NotQdl, DescriptorsExhausted) {
+  const SampleFile sample = build_file(60);
+  const std::string name = file("body.qdl", sample.bytes);
+  QDL_Record *other = QDL_Create(1, 1);
+  const std::array<double, 6> values = {1, 2, 3, 4, 5, 6};
+  {
+    const DescriptorLimit none_left;
+    EXPECT_EQ(QDL_CreateFromQDL(name.c_str()), nullptr);
+    expect_no_messages();
+    EXPECT_EQ(QDL_write_QDL(other, path("written.qdl").c_str()), 0);
+    EXPECT_EQ(QDL_SetModeVec(other, 1, 1, QDL_MODE_SHAPE, values.data()), 0);
+    EXPECT_EQ(errors.size(), 2U);
+  }
   clear_messages();
-  EXPECT_EQ(QDL_CreateFromQDL(path("missing.qdl").c_str()), nullptr);
-  EXPECT_EQ(QDL_CreateFromQDL(""), nullptr);
+  EXPECT_NE(QDL_CreateFromQDL(name.c_str()), nullptr);
+  EXPECT_EQ(QDL_SetModeVec(other, 1, 1, QDL_MODE_SHAPE, values.data()), 1);
   expect_no_messages();
 }
 

@@ -1,6 +1,7 @@
 // What a write says: progress in order, warnings, and the refusal of names.
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <filesystem>
 
@@ -223,8 +224,10 @@ TEST_F(OutputName, NamesThatCannotBeOpened) {
   const auto unable = [](const std::string &name) {
     return "Unable to open " + name + " for write. Please check write permissions.";
   };
+  const std::string pipe = path("pipe");  // without anybody at its other end
+  ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
   for (const std::string &name : {std::string(), path("missing/body.qdl"), directory().string(),
-                                  path(std::string(300, 'x'))}) {
+                                  path(std::string(300, 'x')), pipe}) {
     SCOPED_TRACE(name);
     clear_messages();
     EXPECT_EQ(QDL_write_QDL(record, name.c_str()), 0);
