@@ -6,7 +6,6 @@
 #include "io/block_writer.h"
 #include "numerics/generalized_matrices.h"
 #include "numerics/qdlinvar.h"
-#include "numerics/rigid_body_modes.h"
 #include "record/invariant_layout.h"
 
 // Generalized matrices, invariants, loads, monitor points and operators.
@@ -74,11 +73,10 @@ bool BlockWriter::generalized_mass() {
 }
 
 bool BlockWriter::generalized_damping() {
-  const bool projected = record_.damping_on_principal_axes;
   const bool every_mode = modes() == mode_count(record_);
   if (every_mode)
     return entries(record_.damping.entries, record_.damping.header);
-  const DampingIndices indices{projected, projected ? rigid_body_mode_count(record_) : 0,
+  const DampingIndices indices{record_.damping_on_principal_axes, plan_.rigid_modes,
                                plan_.first_mode, plan_.end_mode};
   std::vector<GeneralizedEntry> written;
   for (GeneralizedEntry entry : record_.damping.entries) {

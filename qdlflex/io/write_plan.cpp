@@ -14,6 +14,7 @@
 #include "numerics/principal_damping.h"
 #include "numerics/principal_forces.h"
 #include "numerics/qdlinvar.h"
+#include "numerics/rigid_body_modes.h"
 
 namespace qdlflex {
 namespace {
@@ -215,6 +216,8 @@ bool prepare_body(QDL_Record &record, const WriteOptions &options, WritePlan &pl
   plan.statistics.resize(static_cast<std::size_t>(plan.modes()));
   plan.set(Block::kModalStatistics, plan.modes() > 0);
   drop_blocks_without_modes(plan);
+  if (record.damping_on_principal_axes)
+    plan.rigid_modes = rigid_body_mode_count(record);
   return true;
 }
 

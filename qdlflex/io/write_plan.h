@@ -17,6 +17,9 @@ struct WritePlan {
   // The exported modes, a contiguous range.
   std::int32_t first_mode = 0;
   std::int32_t end_mode = 0;
+  /// Where damping is on principal axes: the rigid modes that these stand for. A change of units
+  /// may lead to another count, as its limits are frequencies.
+  std::int32_t rigid_modes = 0;
   /// False after a step that went wrong without failing the write.
   bool may_convert_units = true;
   /// Of the exported modes; filled while stress and strain are written.

@@ -156,35 +156,6 @@ void spread_over_nodes(ModeTable &table, std::vector<double> &pre_vectors,
     table.node_ids.push_back(node.id);
 }
 
-// Faces as elements: neighbours with equally many nodes make a group.
-std::vector<ElementGroup> groups_of_faces(const SampleModel &model) {
-  std::vector<ElementGroup> groups;
-  for (std::size_t i = 0; i < model.faces.size();) {
-    const auto count = static_cast<std::size_t>(model.faces[i++]);
-    if (groups.empty() || groups.back().nodes_per_element != count)
-      groups.push_back({0, count, {}});
-    auto &element = groups.back().elements.emplace_back(2, 0);
-    for (std::size_t node = 0; node < count; ++node)
-      element.push_back(model.nodes[static_cast<std::size_t>(model.faces[i++])].id);
-  }
-  return groups;
-}
-
-// Where two files first differ, for a message.
-std::string difference(const std::vector<std::uint8_t> &written, const SampleFile &expected) {
-  const auto [a, b] =
-      std::mismatch(written.begin(), written.end(), expected.bytes.begin(), expected.bytes.end());
-  if (a == written.end() && b == expected.bytes.end())
-    return "";
-  const auto at = static_cast<std::size_t>(a - written.begin());
-  int block = 1;
-  while (block < 37 && expected.offset[static_cast<std::size_t>(block) + 1] <= at)
-    ++block;
-  return "byte " + std::to_string(at - expected.offset[static_cast<std::size_t>(block)]) +
-         " of block " + std::to_string(block) + " differs; " + std::to_string(written.size()) +
-         " bytes instead of " + std::to_string(expected.bytes.size());
-}
-
 }  // namespace
 
 const std::vector<WriteForm> &every_write_form() {
@@ -250,6 +221,33 @@ std::set<int> written_blocks(std::int32_t version_code, bool solved) {
   const std::int32_t version = version_code & 0xff;
   blocks = without(blocks, {33, version == 10 || version == 20 ? 14 : 5});
   return without(blocks, solved ? std::set<int>{12, 13} : std::set<int>{7, 16});
+}
+
+std::vector<ElementGroup> groups_of_faces(const SampleModel &model) {
+  std::vector<ElementGroup> groups;
+  for (std::size_t i = 0; i < model.faces.size();) {
+    const auto count = static_cast<std::size_t>(model.faces[i++]);
+    if (groups.empty() || groups.back().nodes_per_element != count)
+      groups.push_back({0, count, {}});
+    auto &element = groups.back().elements.emplace_back(2, 0);
+    for (std::size_t node = 0; node < count; ++node)
+      element.push_back(model.nodes[static_cast<std::size_t>(model.faces[i++])].id);
+  }
+  return groups;
+}
+
+std::string difference(const std::vector<std::uint8_t> &written, const SampleFile &expected) {
+  const auto [a, b] =
+      std::mismatch(written.begin(), written.end(), expected.bytes.begin(), expected.bytes.end());
+  if (a == written.end() && b == expected.bytes.end())
+    return "";
+  const auto at = static_cast<std::size_t>(a - written.begin());
+  int block = 1;
+  while (block < 37 && expected.offset[static_cast<std::size_t>(block) + 1] <= at)
+    ++block;
+  return "byte " + std::to_string(at - expected.offset[static_cast<std::size_t>(block)]) +
+         " of block " + std::to_string(block) + " differs; " + std::to_string(written.size()) +
+         " bytes instead of " + std::to_string(expected.bytes.size());
 }
 
 std::set<int> without(std::set<int> blocks, const std::set<int> &dropped) {

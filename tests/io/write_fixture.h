@@ -40,6 +40,12 @@ std::set<int> written_blocks(std::int32_t version_code, bool solved = true);
 
 std::set<int> without(std::set<int> blocks, const std::set<int> &dropped);
 
+// Faces as elements: neighbours with equally many nodes make a group.
+std::vector<ElementGroup> groups_of_faces(const SampleModel &model);
+
+// Where a written file first differs from the expected one; empty if it does not.
+std::string difference(const std::vector<std::uint8_t> &written, const SampleFile &expected);
+
 // A model with these blocks of the content, by setters where there are any.
 QDL_Record *build_record(const SampleModel &content, const std::set<int> &blocks);
 

@@ -46,6 +46,7 @@ void QdlBytes::put_count(const std::string &name, std::size_t value) {
 }
 
 void QdlBytes::put_real(double value) {
+  reals_.push_back(bytes_.size());
   if (precision_ == Precision::kSingle)
     put_word(std::bit_cast<std::uint32_t>(static_cast<float>(value)), 4);
   else
@@ -399,6 +400,7 @@ SampleFile build_file(std::int32_t version_code, const std::set<int> &blocks,
   file.offset.back() = out.size();
   file.bytes = out.bytes();
   file.counts = out.counts();
+  file.reals = out.reals();
   return file;
 }
 
@@ -425,13 +427,27 @@ void SampleFile::patch_count(std::string_view name, std::int32_t value) {
   patch_i32(count_offset(name), value);
 }
 
-std::int32_t SampleFile::i32_at(std::size_t at) const {
-  std::uint32_t word = 0;
-  for (std::size_t i = 0; i < 4; ++i) {
-    const std::size_t place = encoding == Encoding::kXdr ? 3 - i : i;
-    word |= static_cast<std::uint32_t>(bytes.at(at + i)) << (8 * place);
+namespace {
+
+std::uint64_t word_at(const SampleFile &file, std::size_t at, std::size_t width) {
+  std::uint64_t word = 0;
+  for (std::size_t i = 0; i < width; ++i) {
+    const std::size_t place = file.encoding == Encoding::kXdr ? width - 1 - i : i;
+    word |= static_cast<std::uint64_t>(file.bytes.at(at + i)) << (8 * place);
   }
-  return static_cast<std::int32_t>(word);
+  return word;
+}
+
+}  // namespace
+
+std::int32_t SampleFile::i32_at(std::size_t at) const {
+  return static_cast<std::int32_t>(word_at(*this, at, 4));
+}
+
+double SampleFile::real_at(std::size_t at) const {
+  if (precision == Precision::kSingle)
+    return std::bit_cast<float>(static_cast<std::uint32_t>(word_at(*this, at, 4)));
+  return std::bit_cast<double>(word_at(*this, at, 8));
 }
 
 std::vector<std::size_t> telling_places(const SampleFile &file) {

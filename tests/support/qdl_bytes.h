@@ -45,6 +45,7 @@ class QdlBytes {
   Precision precision() const { return precision_; }
   const std::vector<std::uint8_t> &bytes() const { return bytes_; }
   const std::vector<CountField> &counts() const { return counts_; }
+  const std::vector<std::size_t> &reals() const { return reals_; }  // where each begins
 
  private:
   void put_word(std::uint64_t word, std::size_t width);
@@ -53,6 +54,7 @@ class QdlBytes {
   Precision precision_;
   std::vector<std::uint8_t> bytes_;
   std::vector<CountField> counts_;
+  std::vector<std::size_t> reals_;
 };
 
 struct Header {
@@ -195,11 +197,13 @@ struct SampleFile {
   std::vector<std::uint8_t> bytes;
   std::array<std::size_t, 39> offset;  // start of block `id`; [38] is the end of the file
   std::vector<CountField> counts;
+  std::vector<std::size_t> reals;  // where each begins
 
   std::size_t count_offset(std::string_view name) const;
   void patch_i32(std::size_t at, std::int32_t value);
   void patch_count(std::string_view name, std::int32_t value);
   std::int32_t i32_at(std::size_t at) const;
+  double real_at(std::size_t at) const;
   void cut(std::size_t length) { bytes.resize(length); }
 };
 
