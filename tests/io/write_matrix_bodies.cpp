@@ -199,6 +199,7 @@ const std::vector<Kind> &every_kind() {
       {"Solved", without(without(everything, invariants), {6, 16}), kClamped, cgs},
       {"HalfFree", without(without(everything, invariants), {6}), {0, 0, 20, 30}, slow},
       {"Free", without(without(everything, invariants), {10}), {0, 0, 0, 0, 0, 0, 20, 30}, cgs},
+      {"MomentumAlone", {4, 7, 8, 9, 10, 11, 14, 17, 21}, kClamped, cgs},
       {"GlobalMassAlone", {4, 6, 7, 8, 11, 14, 15, 16, 28}, kClamped, cgs},
       {"WithoutMass", {4, 7, 8, 14, 17, 27, 28}, kClamped, {}},
       {"StressAndStrain", {4, 7, 8, 9, 14, 17, 18, 29, 31, 32}, kClamped, {}, true},
