@@ -1,6 +1,7 @@
 #include "model_data.h"
 
 #include <cstdio>
+#include <nlohmann/json.hpp>
 
 namespace qdlflex::cli {
 namespace {
