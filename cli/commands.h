@@ -5,10 +5,14 @@
 
 namespace qdlflex::cli {
 
+enum ExitCode { kExitDone = 0, kExitFailed = 1, kExitUsage = 2, kExitDoubtful = 3 };
+
 /// What the command line asks for. Does it and throws a Failure if that cannot be done.
 using Job = std::function<void()>;
 
-/// Each adds a subcommand that, when chosen, puts its work into `job`.
+/// Each adds a subcommand that, when chosen, puts its work into `job`. That of check sets the exit
+/// code, which is otherwise `kExitDone`.
+void add_check_command(CLI::App &app, Job &job, int &exit_code);
 void add_convert_command(CLI::App &app, Job &job);
 void add_edges_command(CLI::App &app, Job &job);
 void add_export_command(CLI::App &app, Job &job);

@@ -1,78 +1,49 @@
 #include "invariants.h"
 
+#include <algorithm>
 #include <cstdio>
-#include <memory>
 #include <nlohmann/json.hpp>
+#include <utility>
 
+#include "body_measures.h"
+#include "invariant_slices.h"
 #include "record.h"
-#include "text_input.h"
 
 namespace qdlflex::cli {
 
 namespace {
 
-struct FreeArray {
-  void operator()(double *array) const { QDL_FreeMemory(array); }
-};
-
-/// Appends an array of the library, which said itself why there is none.
-void append(Invariant &invariant, double *array, size_t count) {
-  const std::unique_ptr<double[], FreeArray> owner(array);
-  if (array == nullptr) {
-    throw Failure("invariant " + std::to_string(invariant.number) + " cannot be had");
-  }
-  invariant.values.insert(invariant.values.end(), array, array + count);
-}
-
-Invariant read_whole(QDL_Record *record, int number, std::vector<size_t> shape, size_t count,
-                     double *(*get)(QDL_Record *)) {
+Invariant read_invariant(QDL_Record *record, int number, std::vector<size_t> shape) {
   Invariant invariant{number, std::move(shape), {}};
-  if (count > 0) {
-    append(invariant, get(record), count);
-  }
-  return invariant;
-}
-
-Invariant read_by_mode(QDL_Record *record, int number, std::vector<size_t> shape, size_t count,
-                       double *(*get)(QDL_Record *, int32_t)) {
-  Invariant invariant{number, std::move(shape), {}};
-  for (int32_t mode = 0; mode < QDL_ModeCount(record); ++mode) {
-    append(invariant, get(record, mode), count);
-  }
-  return invariant;
-}
-
-Invariant read_by_pair(QDL_Record *record, size_t modes) {
-  Invariant invariant{9, {modes, modes, 3, 3}, {}};
-  for (int32_t i = 0; i < QDL_ModeCount(record); ++i) {
-    for (int32_t k = 0; k < QDL_ModeCount(record); ++k) {
-      append(invariant, QDL_Invar9(record, i, k), 9);
-    }
+  for (int32_t slice = 0; slice < invariant_slices(record, number); ++slice) {
+    const std::vector<double> values = read_invariant_slice(record, number, slice);
+    invariant.values.insert(invariant.values.end(), values.begin(), values.end());
   }
   return invariant;
 }
 
 std::vector<Invariant> read_all(QDL_Record *record, InvariantSet set) {
   const auto modes = static_cast<size_t>(QDL_ModeCount(record));
+  const bool full = set == InvariantSet::kFull;
+  const bool fast = full || set == InvariantSet::kFast;
+  struct Wanted {
+    int number;
+    bool wanted;
+    std::vector<size_t> shape;
+  };
   std::vector<Invariant> all;
-  all.push_back({1, {}, {QDL_Invar1(record)}});
-  all.push_back(read_whole(record, 2, {3}, 3, QDL_Invar2));
-  if (set != InvariantSet::kRigid) {
-    all.push_back(read_whole(record, 3, {3, modes}, 3 * modes, QDL_Invar3));
-    all.push_back(read_whole(record, 4, {3, modes}, 3 * modes, QDL_Invar4));
-  }
-  if (set == InvariantSet::kFull) {
-    all.push_back(read_by_mode(record, 5, {modes, 3, modes}, 3 * modes, QDL_Invar5));
-  }
-  if (set != InvariantSet::kRigid) {
-    all.push_back(read_whole(record, 6, {modes, modes}, modes * modes, QDL_Invar6));
-  }
-  all.push_back(read_whole(record, 7, {3, 3}, 9, QDL_Invar7));
-  if (set != InvariantSet::kRigid) {
-    all.push_back(read_by_mode(record, 8, {modes, 3, 3}, 9, QDL_Invar8));
-  }
-  if (set == InvariantSet::kFull) {
-    all.push_back(read_by_pair(record, modes));
+  for (const auto &[number, wanted, shape] : std::vector<Wanted>{{1, true, {}},
+                                                                 {2, true, {3}},
+                                                                 {3, fast, {3, modes}},
+                                                                 {4, fast, {3, modes}},
+                                                                 {5, full, {modes, 3, modes}},
+                                                                 {6, fast, {modes, modes}},
+                                                                 {7, true, {3, 3}},
+                                                                 {8, fast, {modes, 3, 3}},
+                                                                 {9, full, {modes, modes, 3, 3}}}) {
+    if (wanted) {
+      all.push_back(read_invariant(record, number, shape));
+    }
   }
   return all;
 }
@@ -97,14 +68,8 @@ void locate_centre(Invariants &body) {
   }
   const std::array<double, 3> c = {moment[0] / body.mass, moment[1] / body.mass,
                                    moment[2] / body.mass};
-  const double square = c[0] * c[0] + c[1] * c[1] + c[2] * c[2];
-  std::array<double, 9> about_centre{};
-  for (size_t i = 0; i < 9; ++i) {
-    const double steiner = (i % 4 == 0 ? square : 0.0) - c[i / 3] * c[i % 3];
-    about_centre[i] = inertia[i] - body.mass * steiner;
-  }
   body.centre = c;
-  body.inertia_about_centre = about_centre;
+  body.inertia_about_centre = inertia_about(c, body.mass, body.inertia_about_origin);
 }
 
 std::string unit_of(const Units &units, int powers_of_length) {

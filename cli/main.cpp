@@ -12,8 +12,6 @@
 
 namespace {
 
-enum ExitCode { exit_done = 0, exit_failed = 1, exit_usage = 2 };
-
 /// A full disk shows at the latest here.
 void finish_output() {
   if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
@@ -28,6 +26,8 @@ int run(int argc, char **argv) {
   app.set_version_flag("--version", "qdlflex " QDLFLEX_VERSION_STRING);
   app.require_subcommand(1);
   Job job;
+  int exit_code = kExitDone;
+  add_check_command(app, job, exit_code);
   add_convert_command(app, job);
   add_edges_command(app, job);
   add_export_command(app, job);
@@ -41,17 +41,17 @@ int run(int argc, char **argv) {
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError &error) {
-    return app.exit(error) == 0 ? exit_done : exit_usage;
+    return app.exit(error) == 0 ? kExitDone : kExitUsage;
   }
   job();
   finish_output();
-  return exit_done;
+  return exit_code;
 }
 
 }  // namespace
 
 int main(int argc, char **argv) {
-  int result = exit_failed;
+  int result = qdlflex::cli::kExitFailed;
   try {
     result = run(argc, argv);
   } catch (const std::exception &error) {

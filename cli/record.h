@@ -14,6 +14,14 @@ struct ReleaseRecord {
 /// A record that ends with its owner.
 using Record = std::unique_ptr<QDL_Record, ReleaseRecord>;
 
+struct FreeArray {
+  void operator()(void *array) const { QDL_FreeMemory(array); }
+};
+
+/// An array that the library returned as new.
+template <class T>
+using LibraryArray = std::unique_ptr<T[], FreeArray>;
+
 /// Throws a Failure if the file cannot be opened as a QDL file.
 Record open_record(const std::string &path);
 

@@ -35,6 +35,9 @@ title "Write in two forms, open, compare (examples/demo/demo.c)"
 compile demo
 ./demo bracket.qdl bracket-xdr-double.qdl bracket-native-single.qdl
 
+title "qdlflex check bracket.qdl"
+"$command" check bracket.qdl
+
 for file in bracket-xdr-double.qdl bracket-native-single.qdl; do
   title "qdlflex info $file"
   "$command" info "$file"
