@@ -24,4 +24,7 @@ void add_surface_command(CLI::App &app, Job &job);
 void add_transform_command(CLI::App &app, Job &job);
 void add_report_command(CLI::App &app, Job &job);
 
+/// `different` tells afterwards what the job has found.
+void add_diff_command(CLI::App &app, Job &job, bool &different);
+
 }  // namespace qdlflex::cli

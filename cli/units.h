@@ -13,6 +13,8 @@ struct Units {
   std::string length;
   std::string time;
   std::string force;
+
+  bool operator==(const Units &) const = default;
 };
 
 /// Turns four units joined by "-", in any order, into the names of the library: "mm-N-t-s" or
