@@ -5,6 +5,7 @@
 #include <span>
 
 #include "geometry/matrix3.h"
+#include "geometry/stored_modes.h"
 #include "modes/mode_store.h"
 #include "numerics/qdlinvar.h"
 #include "numerics/rigid_invariants.h"
@@ -73,7 +74,9 @@ std::vector<double> nodal_moments(QDL_Record &record, const Vector3 &offset) {
   const auto modes = static_cast<std::size_t>(mode_count(record));
   std::vector<double> moments(3 * modes);
   std::vector<double> buffer(nodes * kComponents);
-  for (std::size_t mode = 0; mode < modes && present(record, Block::kModeShapes); ++mode) {
+  const std::int32_t stored =
+      present(record, Block::kModeShapes) ? stored_mode_count(record, kModeShapes) : 0;
+  for (std::size_t mode = 0; mode < static_cast<std::size_t>(stored); ++mode) {
     const double *six =
         view_mode(record, kModeShapes, static_cast<std::int32_t>(mode), buffer.data());
     if (six == nullptr)

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <qdlflex/qdlflex.h>
 
+#include <array>
 #include <vector>
 
 #include "geometry/body.h"
@@ -226,6 +227,19 @@ TEST_F(SuppliedInvariants, EightNeedsThreeAlsoWhereThereAreMasses) {
   clear_messages();
   EXPECT_EQ(QDL_Translate(model, kX.data(), 2.0), 0);
   expect_only_error("Can not compute Invar8. \nInvar3 is needed to compute Invar8.");
+}
+
+// A transformation to fewer modes leaves the record with numbers of modes that it has no values of.
+TEST_F(SuppliedInvariants, FourIsSummedOverTheModesThatHaveValues) {
+  QDL_Record *model = two_modes();
+  QDL_SetNodalMass(model, 1, 2.0);
+  set_4(model);
+  const std::array<double, 2> first_only = {1, 0};
+  ASSERT_EQ(QDL_TransformModes(model, 0, 1, first_only.data()), 1);
+  EXPECT_EQ(QDL_Translate(model, kX.data(), 2.0), 1);
+  // 2 (3, 2, 3) x (1, 2, -1)
+  EXPECT_EQ(invariant_of(model, 4), (std::vector<double>{-16, 0, 12, 0, 8, 0}));
+  EXPECT_TRUE(errors.empty());
 }
 
 // The stored products of inertia are positive: the tensor has their negatives.
