@@ -74,10 +74,8 @@ void forget_invariants_and_statistics(QDL_Record &record) {
     if (number != 6)
       lower(record, invariant_block(number));
   }
-  for (std::int32_t kind = 0; kind < kModeKinds; ++kind) {
-    for (std::int32_t mode = 0; mode < mode_count(record); ++mode)
-      forget_statistics(record, kind, mode);
-  }
+  for (std::int32_t kind = 0; kind < kModeKinds; ++kind)
+    forget_statistics(record, kind);
 }
 
 bool permute(QDL_Record &record, const double *origin, std::int32_t new_modes, double mass_factor,

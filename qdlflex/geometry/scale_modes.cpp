@@ -6,8 +6,6 @@
 
 #include "geometry/stored_modes.h"
 #include "modes/mode_cache.h"
-#include "modes/mode_rewrite.h"
-#include "modes/mode_store.h"
 #include "numerics/mode_transformation.h"
 #include "record/derived.h"
 #include "record/invariant_layout.h"
@@ -22,27 +20,6 @@ constexpr const char *kArea = "qdlwrite";
 void scale(std::vector<double> &values, double factor) {
   for (double &value : values)
     value *= factor;
-}
-
-bool write_scaled(QDL_Record &record, std::int32_t kind, std::int32_t modes, double factor,
-                  ModeRewrite &rewrite) {
-  constexpr std::int64_t kPieceRows = 1 << 15;
-  const std::int64_t nodes = mode_node_count(record, kind);
-  std::vector<double> piece;
-  for (std::int32_t mode = 0; mode < modes; ++mode) {
-    for (std::int64_t first = 0; first < nodes; first += kPieceRows) {
-      const std::int64_t rows = std::min(kPieceRows, nodes - first);
-      piece.resize(static_cast<std::size_t>(rows * kComponents));
-      if (!read_rows(record, kind, mode, first, rows, piece.data())) {
-        report_unreadable_mode(kind, record.mode_numbers[static_cast<std::size_t>(mode)]);
-        return false;
-      }
-      scale(piece, factor);
-      if (!rewrite.write_rows(mode, first, rows, piece.data()))
-        return false;
-    }
-  }
-  return rewrite.finish();
 }
 
 /// Those of pairs of modes have the factor twice.
@@ -73,7 +50,10 @@ bool scale_modes(QDL_Record &record, std::int32_t kind, double factor) {
   if (modes == 0) {
     QDL_Warning("No Mode Shape Data found in this QDL file. \n");
   } else {
-    if (!write_scaled(record, kind, modes, factor, *scaled))
+    const auto scale_rows = [&](std::int64_t rows, double *six) {
+      std::for_each(six, six + rows * kComponents, [&](double &value) { value *= factor; });
+    };
+    if (!rewrite_changed(record, kind, *scaled, scale_rows))
       return false;
     if (kind == kModeShapes) {
       if (!load_modal_invariants(record))

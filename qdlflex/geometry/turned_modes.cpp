@@ -5,14 +5,10 @@
 
 #include "geometry/matrix3.h"
 #include "geometry/stored_modes.h"
-#include "modes/mode_store.h"
 #include "record/lookups.h"
 
 namespace qdlflex {
 namespace {
-
-/// Rows that are read, turned and written at a time: 1.5 MiB.
-constexpr std::int64_t kChunkRows = 32768;
 
 void turn_shape_row(const Matrix3 &matrix, bool mirror, double *six) {
   turn_vector(matrix, six);
@@ -54,33 +50,12 @@ void turn_rows(std::int32_t kind, const Matrix3 &matrix, std::int64_t rows, doub
   }
 }
 
-bool turn_mode(QDL_Record &record, std::int32_t kind, std::int32_t mode, const Matrix3 &matrix,
-               std::vector<double> &chunk, ModeRewrite &turned) {
-  const std::int64_t nodes = mode_node_count(record, kind);
-  for (std::int64_t first = 0; first < nodes; first += kChunkRows) {
-    const std::int64_t rows = std::min(kChunkRows, nodes - first);
-    if (!read_rows(record, kind, mode, first, rows, chunk.data())) {
-      report_unreadable_mode(kind, record.mode_numbers[static_cast<std::size_t>(mode)]);
-      return false;
-    }
-    turn_rows(kind, matrix, rows, chunk.data());
-    if (!turned.write_rows(mode, first, rows, chunk.data()))
-      return false;
-  }
-  return true;
-}
-
 std::optional<ModeRewrite> turn_kind(QDL_Record &record, std::int32_t kind, const Matrix3 &matrix) {
-  const std::int32_t nodes = mode_node_count(record, kind);
-  const std::int32_t modes = stored_mode_count(record, kind);
-  auto turned = ModeRewrite::begin(record, kind, modes, nodes, ModeRewrite::Measure::kCurrentUnits);
-  std::vector<double> chunk(
-      static_cast<std::size_t>(std::min<std::int64_t>(kChunkRows, nodes) * kComponents));
-  for (std::int32_t mode = 0; turned && mode < modes; ++mode) {
-    if (!turn_mode(record, kind, mode, matrix, chunk, *turned))
-      return std::nullopt;
-  }
-  if (turned && !turned->finish())
+  auto turned =
+      ModeRewrite::begin(record, kind, stored_mode_count(record, kind),
+                         mode_node_count(record, kind), ModeRewrite::Measure::kCurrentUnits);
+  const auto turn = [&](std::int64_t rows, double *six) { turn_rows(kind, matrix, rows, six); };
+  if (turned && !rewrite_changed(record, kind, *turned, turn))
     return std::nullopt;
   return turned;
 }
