@@ -419,11 +419,4 @@ void expect_body(QDL_Record *model, const Body &body, double tolerance) {
   expect_sixes(model->pre_strain, body.pre_strain, tolerance);
 }
 
-void remove_temporary_files(const std::filesystem::path &directory) {
-  for (const auto &entry : std::filesystem::directory_iterator(directory)) {
-    if (entry.path().filename().string().starts_with("qdl_"))
-      std::filesystem::remove(entry.path());
-  }
-}
-
 }  // namespace qdltest

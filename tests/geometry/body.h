@@ -6,7 +6,6 @@
 
 #include <array>
 #include <cstdint>
-#include <filesystem>
 #include <vector>
 
 #include "support/qdl_bytes.h"
@@ -73,8 +72,5 @@ void expect_near(const std::vector<double> &values, const std::vector<double> &e
 // supplied. The tolerance is relative to the largest number of each kind of data.
 void expect_body(QDL_Record *model, const Body &body, double tolerance);
 void expect_invariants(QDL_Record *model, const Body &body, double tolerance);
-
-// For tests in which the removal of a file may be what fails.
-void remove_temporary_files(const std::filesystem::path &directory);
 
 }  // namespace qdltest

@@ -13,9 +13,7 @@
 #include "geometry/coarsen_model.h"
 #include "geometry/free_edges_model.h"
 #include "geometry/random_surface.h"
-#include "record/record.h"
-#include "support/fault.h"
-#include "support/fixture.h"
+#include "geometry/surface_fixture.h"
 
 namespace {
 
@@ -57,7 +55,7 @@ Surface wheel(int spokes) {
   return surface;
 }
 
-class Coarsen : public qdltest::MessageFixture {
+class Coarsen : public qdltest::SurfaceFixture {
  protected:
   // Identifiers are ten times the index, and one more.
   static QDL_Record *make_model(const Surface &surface) {
@@ -66,16 +64,11 @@ class Coarsen : public qdltest::MessageFixture {
       const auto &[x, y, z] = surface.nodes[i];
       QDL_SetNodeCoordinates(model, id_of(static_cast<int>(i)), x, y, z);
     }
-    set_faces(model, face_list(surface.faces), static_cast<int>(surface.faces.size()));
+    model->faces = {face_list(surface.faces), static_cast<int>(surface.faces.size()), true};
     return model;
   }
 
   static int id_of(int index) { return 10 * index + 1; }
-
-  // As they are, which the setters would not let through.
-  static void set_faces(QDL_Record *model, const std::vector<int> &list, int count) {
-    model->faces = {list, count, true};
-  }
 
   static std::string arguments(const Coarsening &coarsening) {
     std::ostringstream text;
@@ -88,19 +81,14 @@ class Coarsen : public qdltest::MessageFixture {
   static Faces trimmed(const Surface &surface, const char *text) {
     QDL_Record *model = make_model(surface);
     EXPECT_EQ(QDL_TrimGeometry(model, text), 1);
-    return faces_of(model);
+    return polygons_of(model);
   }
 
-  static Faces faces_of(QDL_Record *model) {
-    std::int32_t count = 0;
-    std::int32_t length = 0;
-    QDL_FaceListSize(model, &count, &length);
-    std::vector<std::int32_t> list(static_cast<std::size_t>(length));
-    QDL_ElementFaces(model, list.data());
-    Faces faces;
-    for (auto at = list.begin(); at != list.end(); at += *at + 1)
-      faces.emplace_back(at + 1, at + 1 + *at);
-    EXPECT_EQ(faces.size(), static_cast<std::size_t>(count));
+  // Faces without their counts.
+  static Faces polygons_of(QDL_Record *model) {
+    Faces faces = faces_of(model);
+    for (auto &face : faces)
+      face.erase(face.begin());
     return faces;
   }
 
@@ -108,7 +96,7 @@ class Coarsen : public qdltest::MessageFixture {
     QDL_Terminate();
     QDL_Record *model = make_model(surface);
     ASSERT_EQ(QDL_TrimGeometry(model, arguments(coarsening).c_str()), 1);
-    ASSERT_EQ(faces_of(model), coarsened_faces(surface, coarsening));
+    ASSERT_EQ(polygons_of(model), coarsened_faces(surface, coarsening));
     infos.clear();
   }
 };
@@ -143,7 +131,7 @@ TEST_F(Coarsen, APlateBecomesFewPolygons) {
   QDL_Record *model = make_model(plate(2, 2));
   EXPECT_EQ(QDL_IsCoarsened(model), 0);
   EXPECT_EQ(QDL_TrimGeometry(model, arguments(inner).c_str()), 1);
-  EXPECT_EQ(faces_of(model), (Faces{{3, 0, 1, 2, 5, 8, 7, 6, 3}}));
+  EXPECT_EQ(polygons_of(model), (Faces{{3, 0, 1, 2, 5, 8, 7, 6, 3}}));
   EXPECT_EQ(QDL_IsCoarsened(model), 1);
 }
 
@@ -172,7 +160,7 @@ TEST_F(Coarsen, NodesOnAFoldAndInterfaceNodesStay) {
   QDL_Record *model = make_model(folded);
   QDL_SetInterfaceNode(model, id_of(middle));
   QDL_TrimGeometry(model, kCorners);
-  EXPECT_TRUE(has_middle(faces_of(model)));
+  EXPECT_TRUE(has_middle(polygons_of(model)));
 }
 
 TEST_F(Coarsen, ColinearCornersAreDroppedWhereTheyLieClose) {
@@ -283,7 +271,7 @@ TEST_F(Coarsen, RefusesFacesThatAreNotWhole) {
   };
   QDL_Record *model = make_model(plate(2, 1));
   for (const auto &[list, count] : cases) {
-    set_faces(model, list, count);
+    model->faces = {list, count, true};
     EXPECT_EQ(QDL_TrimGeometry(model, "0.7"), 0) << "before its arguments are looked at";
     expect_only_error(kProblem);
     EXPECT_EQ(infos, Texts{});
@@ -294,17 +282,14 @@ TEST_F(Coarsen, RefusesFacesThatAreNotWhole) {
   }
   EXPECT_EQ(QDL_TrimGeometry(QDL_Create(0, 0), "0.1,5,0"), 0);
   expect_only_error(kProblem);
-  clear_messages();
-  EXPECT_EQ(QDL_TrimGeometry(nullptr, "0.1,5,0"), 0);
-  expect_only_error("The database has not been initialized.");
 }
 
 TEST_F(Coarsen, BrokenFacesAndCoordinatesDoNoHarm) {
   // Counts below 1 have no nodes and do not come back.
   QDL_Record *model = make_model(plate(2, 1));
-  set_faces(model, {-4, 0, 1, 5, 2, 3, 4, 3, 0, 1, 4}, 5);
+  model->faces = {{-4, 0, 1, 5, 2, 3, 4, 3, 0, 1, 4}, 5, true};
   EXPECT_EQ(QDL_TrimGeometry(model, "0.5,10,0"), 1);
-  EXPECT_EQ(faces_of(model), (Faces{{5}, {3, 4}, {0, 1, 4}}));
+  EXPECT_EQ(polygons_of(model), (Faces{{5}, {3, 4}, {0, 1, 4}}));
 
   for (const double value : {kNotANumber, HUGE_VAL, 1e150}) {
     Surface surface = plate(5, 5);
@@ -348,31 +333,18 @@ TEST_F(Coarsen, LargeFansAndFacesAreQuick) {
 
 TEST_F(Coarsen, MemoryThatRunsOutLeavesTheFaces) {
   const Surface surface = plate(4, 4);
-  QDL_Record *model = nullptr;
   bool while_preparing = false;
-  const auto prepare = [&] {
-    const qdltest::PauseFaults pause;
-    QDL_Terminate();
-    clear_messages();
-    model = make_model(surface);
-  };
-  const std::size_t faults = qdltest::sweep(
-      qdltest::Door::kMemory, qdltest::Persistence::kOnce,
-      [&] {
-        prepare();
-        return QDL_TrimGeometry(model, "0.5,10,1,11,preserve_str");
-      },
-      [&](int result, bool fired) {
-        EXPECT_EQ(result, fired ? 0 : 1);
-        if (!fired)
-          return;
-        EXPECT_EQ(faces_of(model), surface.faces);
-        EXPECT_EQ(QDL_IsCoarsened(model), 0);
-        ASSERT_GE(errors.size(), 1U);
-        EXPECT_EQ(errors[0].find(kMemory), 0U);
-        EXPECT_TRUE(errors.size() == 1 || errors[1] == kProblem);
-        while_preparing = while_preparing || errors.size() == 2;
-      });
+  sweep_job([&] { return make_model(surface); },
+            [](QDL_Record *model) { return QDL_TrimGeometry(model, "0.5,10,1,11,preserve_str"); },
+            [&](QDL_Record *model, bool done) {
+              if (done)
+                return;
+              EXPECT_EQ(polygons_of(model), surface.faces);
+              EXPECT_EQ(QDL_IsCoarsened(model), 0);
+              EXPECT_TRUE(errors[0].starts_with(kMemory));
+              EXPECT_TRUE(errors.size() == 1 || errors[1] == kProblem);
+              while_preparing = while_preparing || errors.size() == 2;
+            },
+            {qdltest::Door::kMemory});
   EXPECT_TRUE(while_preparing);
-  EXPECT_GT(faults, 30U);
 }

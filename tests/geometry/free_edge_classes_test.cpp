@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 #include <qdlflex/free_edges.hpp>
 
-#include <array>
 #include <climits>
 #include <list>
 #include <memory>
@@ -9,7 +8,6 @@
 #include <vector>
 
 #include "geometry/free_edges_model.h"
-#include "support/fault.h"
 
 namespace {
 
@@ -85,22 +83,6 @@ TEST(FreeEdgeClasses, ANodeCrossesToItsSmallestNeighbourFirst) {
   EXPECT_EQ(hub.FindFreeEdge(), Keys{5});
 }
 
-TEST(FreeEdgeClasses, AWalkTurnsBackAtItsStartUnlessItCloses) {
-  // 3 - 1 - 2 - 4, begun in the middle.
-  std::array<cQDLNode, 5> node{cQDLNode(0), cQDLNode(1), cQDLNode(2), cQDLNode(3), cQDLNode(4)};
-  const cQDLEdge a(&node[1], &node[2]);
-  const cQDLEdge b(&node[2], &node[4]);
-  const cQDLEdge c(&node[3], &node[1]);
-  EXPECT_EQ(node[1].FindFreeEdge(), (Keys{3, 1, 2, 4}));
-
-  // A way back may close: 1 - 0 and the loop 1 - 2 - 3.
-  const cQDLEdge d(&node[1], &node[0]);
-  const cQDLEdge e(&node[1], &node[2]);
-  const cQDLEdge f(&node[2], &node[3]);
-  const cQDLEdge g(&node[3], &node[1]);
-  EXPECT_EQ(node[1].FindFreeEdge(), (Keys{1, 3, 2, 1, 0}));
-}
-
 TEST(FreeEdgeClasses, ChainsOfSmallSurfaces) {
   EXPECT_EQ(find({}), Chains{});
   EXPECT_EQ(find({{1, 2, 3, 4}}), (Chains{{1, 2, 3, 4, 1}}));
@@ -161,21 +143,4 @@ TEST(FreeEdgeClasses, AFanOfSeparateTrianglesIsQuick) {
   ASSERT_EQ(chains.size(), static_cast<std::size_t>(kTriangles));
   EXPECT_EQ(chains[7], (std::vector<int>{200000, 14, 15, 200000}));
   EXPECT_EQ(chains.back(), (std::vector<int>{199998, 199999, 200000, 199998}));
-}
-
-TEST(FreeEdgeClasses, MemoryThatRunsOutIsThrown) {
-  std::vector<int> list = qdltest::face_list({{0, 1, 2}, {1, 3, 2}, {0, 4, 5}});
-  const std::size_t faults = qdltest::sweep(
-      qdltest::Door::kMemory, qdltest::Persistence::kOnce,
-      [&]() -> std::size_t {
-        try {
-          cQDLFreeEdges graph;
-          graph.FindFreeEdges(3, list.data());
-          return graph.GetFreeEdges().size();
-        } catch (const std::bad_alloc &) {
-          return 0;
-        }
-      },
-      [](std::size_t chains, bool fired) { EXPECT_EQ(chains, fired ? 0U : 2U); });
-  EXPECT_GT(faults, 20U);
 }

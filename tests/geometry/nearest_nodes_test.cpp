@@ -7,10 +7,8 @@
 #include <functional>
 #include <limits>
 #include <random>
-#include <utility>
 
 #include "geometry/surface_fixture.h"
-#include "support/fault.h"
 
 namespace {
 
@@ -193,17 +191,8 @@ TEST_F(NearestNodes, SeeNodesThatWereAddedMovedOrSwapped) {
   EXPECT_EQ(within(model, {}, 1.0), Ints{7});
 }
 
-TEST_F(NearestNodes, AnswerNothingWithoutModelPointOrNodes) {
-  std::int32_t count = 5;
+TEST_F(NearestNodes, AnswerNothingWithoutPointOrNodes) {
   const Point origin{};
-  EXPECT_EQ(QDL_ClosestNode(nullptr, origin.data(), 0), -1);
-  EXPECT_EQ(QDL_ClosestNodes(nullptr, origin.data(), 1, 0, &count), nullptr);
-  EXPECT_EQ(std::exchange(count, 5), 0);
-  EXPECT_EQ(QDL_ClosestNodesInNeighborhood(nullptr, origin.data(), 1.0, 0, &count), nullptr);
-  EXPECT_EQ(count, 0);
-  EXPECT_EQ(errors, std::vector<std::string>(3, qdltest::kNoRecord));
-  clear_messages();
-
   QDL_Record *model = model_at({});
   for (const double *point : {origin.data(), static_cast<const double *>(nullptr)}) {
     EXPECT_EQ(QDL_ClosestNode(model, point, 0), -1);
@@ -232,22 +221,20 @@ TEST_F(NearestNodes, WithoutMemoryReportAndAnswerWhatTheyCan) {
     around = taken(hits, counts[1]);
     return 0;
   };
-  for (const auto persistence : {qdltest::Persistence::kOnce, qdltest::Persistence::kEverAfter}) {
-    const std::size_t faults =
-        qdltest::sweep(qdltest::Door::kMemory, persistence, query, [&](int, bool fired) {
-          EXPECT_EQ(one, Ints{0});
-          EXPECT_TRUE(several.empty() || several == (Ints{0, 1, 2, 3}));
-          EXPECT_TRUE(std::ranges::is_sorted(around));
-          EXPECT_TRUE(std::ranges::includes(scan_within(model, origin, 30.0, false), around));
-          EXPECT_LE(errors.size(), 2U);
-          if (!fired) {
-            EXPECT_EQ(several.size(), 4U);
-            EXPECT_EQ(around.size(), 30U);
-            EXPECT_EQ(errors.size(), 0U);
-          }
-          clear_messages();
-          model->node_search = {};
-        });
-    EXPECT_GE(faults, 6U);
-  }
+  const std::size_t faults = qdltest::sweep(
+      qdltest::Door::kMemory, qdltest::Persistence::kOnce, query, [&](int, bool fired) {
+        EXPECT_EQ(one, Ints{0});
+        EXPECT_TRUE(several.empty() || several == (Ints{0, 1, 2, 3}));
+        EXPECT_TRUE(std::ranges::is_sorted(around));
+        EXPECT_TRUE(std::ranges::includes(scan_within(model, origin, 30.0, false), around));
+        EXPECT_LE(errors.size(), 1U);
+        if (!fired) {
+          EXPECT_EQ(several.size(), 4U);
+          EXPECT_EQ(around.size(), 30U);
+          EXPECT_EQ(errors.size(), 0U);
+        }
+        clear_messages();
+        model->node_search = {};
+      });
+  EXPECT_GE(faults, 6U);
 }

@@ -3,6 +3,7 @@
 #include <qdlflex/qdlflex.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <functional>
 #include <set>
@@ -10,10 +11,9 @@
 #include <vector>
 
 #include "geometry/body.h"
+#include "geometry/job_fixture.h"
 #include "numerics/qdlinvar.h"
 #include "record/record.h"
-#include "support/fault.h"
-#include "support/read_fixture.h"
 
 namespace {
 
@@ -154,7 +154,7 @@ std::vector<std::int32_t> interface_ids(QDL_Record *model) {
   return ids;
 }
 
-class Pruning : public ReadFixture {
+class Pruning : public JobFixture {
  protected:
   QDL_Record *block_model(const Body &body, const Faces &faces) {
     QDL_Record *model = build(body, 10);
@@ -300,29 +300,6 @@ TEST_F(Pruning, LeavesForeignNumbersInFacesAlone) {
             (std::vector<std::int32_t>{3, 0, -5, 64, 0, -2, 2, 55, 1000}));
 }
 
-TEST_F(Pruning, DropsStressAndStrainThatOnlyInnerNodesHad) {
-  Body body = block();
-  for (std::size_t kind = 1; kind < 3; ++kind) {
-    body.kinds[kind] = {{id_at(1, 1, 1)}, {}};
-    body.kinds[kind].modes = {rows(1, 0, body.kinds[kind].node_ids),
-                              rows(1, 1, body.kinds[kind].node_ids)};
-  }
-  body.pre_stress = {Six{1, 2, 3, 4, 5, 6}};
-  body.pre_strain.clear();
-  QDL_Record *model = block_model(body, block_faces(false));
-  EXPECT_EQ(QDL_DiscardUnreferencedNodes(model), 1);
-  expect_only_warnings(
-      {"All the nodes referenced in Stress Mode have been removed. Stress Mode data is eliminated.",
-       "All the nodes referenced in Pre-Stress have been removed. Pre-Stress data is eliminated.",
-       "All the nodes referenced in Strain Mode have been removed. Strain Mode data is "
-       "eliminated."});
-  EXPECT_EQ(infos.size(), 1U);
-  for (const int block_id : {18, 29, 31, 32})
-    EXPECT_EQ(QDL_Exists(model, block_id - 1), 0) << block_id;
-  EXPECT_EQ(QDL_ModeNodeCount(model, 1), 0);
-  EXPECT_EQ(QDL_ModeNodeCount(model, 2), 0);
-}
-
 std::vector<std::string> heard;
 
 std::int64_t hear(const char *text) {
@@ -330,34 +307,56 @@ std::int64_t hear(const char *text) {
   return 0;
 }
 
-TEST_F(Pruning, TellsOfLostModesAfterThoseThatStay) {
-  Body body = block();
-  body.kinds[1] = {{id_at(1, 1, 1)}, {}};
-  body.kinds[1].modes = {rows(1, 0, body.kinds[1].node_ids), rows(1, 1, body.kinds[1].node_ids)};
-  body.pre_stress.clear();
-  QDL_Record *model = block_model(body, block_faces(false));
-  heard.clear();
-  const QDL_MessageHandler handlers[3] = {hear, hear, hear};
-  SetMessageHandlers(handlers);
-  EXPECT_EQ(QDL_DiscardUnreferencedNodes(model), 1);
-  ASSERT_EQ(heard.size(), 3U);
-  EXPECT_TRUE(heard[0].starts_with("Shortened Shape"));
-  EXPECT_TRUE(heard[1].starts_with("Shortened Strain"));
-  EXPECT_TRUE(heard[2].starts_with("All the nodes referenced in Stress Mode"));
+std::string lost_text(const std::string &nodes_of, const std::string &data) {
+  return "All the nodes referenced in " + nodes_of + " have been removed. " + data +
+         " data is eliminated.";
 }
 
-TEST_F(Pruning, DropsAPreStressThatStandsAlone) {
-  Body body = block();
-  body.kinds[1] = {{id_at(1, 1, 1)}, {}};
-  body.kinds[2] = {{id_at(2, 2, 2)}, {}};
-  body.pre_stress = {Six{1, 2, 3, 4, 5, 6}};
-  body.pre_strain = {Six{6, 5, 4, 3, 2, 1}};
-  QDL_Record *model = block_model(body, block_faces(false));
-  EXPECT_EQ(QDL_DiscardUnreferencedNodes(model), 1);
-  expect_only_warnings(
-      {"All the nodes referenced in Pre-Stress have been removed. Pre-Stress data is eliminated.",
-       "All the nodes referenced in Pre-Strain have been removed. Pre-Strain data is "
-       "eliminated."});
+TEST_F(Pruning, DropsWhatOnlyInnerNodesHadAfterShorteningTheRest) {
+  struct AtAnInnerNode {
+    bool modes, pre_vector;
+    bool any() const { return modes || pre_vector; }
+  };
+  const std::array<AtAnInnerNode, 2> cases[] = {{{{true, true}, {true, false}}},
+                                                {{{false, true}, {false, true}}},
+                                                {{{true, false}, {false, false}}}};
+  const std::string words[] = {"Stress", "Strain"};
+  for (const auto &kinds : cases) {
+    Body body = block();
+    std::vector<std::string> expected = {"Shortened Shape mode file: "};
+    for (const std::size_t kind : {1U, 2U}) {
+      const AtAnInnerNode &lost = kinds[kind - 1];
+      if (!lost.any()) {
+        expected.push_back("Shortened " + words[kind - 1] + " mode file: ");
+        continue;
+      }
+      ModeValues &data = body.kinds[kind] = {{id_at(1, 1, 1)}, {}};
+      if (lost.modes)
+        data.modes = {rows(1, 0, data.node_ids), rows(1, 1, data.node_ids)};
+      (kind == 1 ? body.pre_stress : body.pre_strain).assign(lost.pre_vector ? 1 : 0, Six{1, 2});
+    }
+    for (const std::size_t kind : {0U, 1U}) {
+      if (kinds[kind].modes)
+        expected.push_back(lost_text(words[kind] + " Mode", words[kind] + " Mode"));
+      if (kinds[kind].pre_vector)
+        expected.push_back(lost_text("Pre-" + words[kind], "Pre-" + words[kind]));
+    }
+    QDL_Record *model = block_model(body, block_faces(false));
+    heard.clear();
+    const QDL_MessageHandler handlers[3] = {hear, hear, hear};
+    SetMessageHandlers(handlers);
+    EXPECT_EQ(QDL_DiscardUnreferencedNodes(model), 1);
+    ASSERT_EQ(heard.size(), expected.size());
+    for (std::size_t i = 0; i < heard.size(); ++i)
+      EXPECT_TRUE(heard[i].starts_with(expected[i])) << heard[i];
+    for (const int kind : {1, 2}) {
+      if (!kinds[static_cast<std::size_t>(kind) - 1].any())
+        continue;
+      EXPECT_EQ(QDL_ModeNodeCount(model, kind), 0);
+      EXPECT_EQ(QDL_Exists(model, (kind == 1 ? 18 : 29) - 1), 0);
+      EXPECT_EQ(QDL_Exists(model, (kind == 1 ? 31 : 32) - 1), 0);
+    }
+  }
 }
 
 TEST_F(Pruning, DoesNothingWithoutFacesAndAfterAStripOfItsOwn) {
@@ -489,39 +488,18 @@ TEST_F(Pruning, LosesModeShapesThatCannotBeRewrittenOnRequestOnly) {
 }
 
 TEST_F(Pruning, ChangesNothingWhenItFails) {
-  for (const Door door : {Door::kMemory, Door::kFile}) {
-    QDL_Record *model = nullptr;
-    const std::size_t met = sweep(
-        door, Persistence::kOnce,
-        [&] {
-          {
-            const PauseFaults pause;
-            QDL_Terminate();
-            remove_temporary_files(directory());
-            model = block_with_outer_faces();
-            QDL_SetInterfaceNode(model, id_at(3, 0, 0));
-          }
-          return QDL_DiscardUnreferencedNodes(model);
-        },
-        [&](int result, bool fired) {
-          EXPECT_TRUE(result == 1 || fired);
-          EXPECT_EQ(errors.empty(), result == 1);
-          expect_body(model, result == 1 ? shell() : block(), 0.0);
-          EXPECT_EQ(faces_of(model), block_faces(false));
-          EXPECT_EQ(interface_ids(model), (std::vector<std::int32_t>{id_at(3, 0, 0)}));
-        });
-    EXPECT_GT(met, 5U);
-  }
-  QDL_Terminate();
-  remove_temporary_files(directory());
-}
-
-TEST_F(Pruning, TellsOfANullHandle) {
-  EXPECT_EQ(QDL_RemoveInternalGeometry(nullptr), 0);
-  expect_only_error("The database has not been initialized.");
-  clear_messages();
-  EXPECT_EQ(QDL_DiscardUnreferencedNodes(nullptr), 0);
-  expect_only_error("The database has not been initialized.");
+  sweep_job(
+      [&] {
+        QDL_Record *model = block_with_outer_faces();
+        QDL_SetInterfaceNode(model, id_at(3, 0, 0));
+        return model;
+      },
+      QDL_DiscardUnreferencedNodes,
+      [](QDL_Record *model, bool done) {
+        expect_body(model, done ? shell() : block(), 0.0);
+        EXPECT_EQ(faces_of(model), block_faces(false));
+        EXPECT_EQ(interface_ids(model), (std::vector<std::int32_t>{id_at(3, 0, 0)}));
+      });
 }
 
 }  // namespace

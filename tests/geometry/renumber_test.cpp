@@ -7,9 +7,8 @@
 #include <vector>
 
 #include "geometry/body.h"
+#include "geometry/job_fixture.h"
 #include "record/record.h"
-#include "support/fault.h"
-#include "support/read_fixture.h"
 
 namespace {
 
@@ -33,7 +32,7 @@ void expect_ids(QDL_Record *model, const std::vector<std::int32_t> &expected) {
   }
 }
 
-class Renumbering : public ReadFixture {
+class Renumbering : public JobFixture {
  protected:
   // Nodes 12, 5, 31; stress nodes 5 and 12, a strain node 31; interface nodes 31 and 12.
   QDL_Record *model() {
@@ -152,42 +151,24 @@ TEST_F(Renumbering, FindsTheFirstOfEqualIdentifiersAllTheTime) {
 }
 
 TEST_F(Renumbering, IsUndoneWhenMemoryRunsOut) {
+  const auto make = [&] {
+    QDL_Record *made = model();
+    made->statistics.modes.resize(2);
+    made->statistics.modes[0].node_ids[0] = 31;
+    return made;
+  };
+  const auto expect_after = [](const std::vector<std::int32_t> &after) {
+    return [after](QDL_Record *made, bool done) {
+      expect_ids(made, done ? after : std::vector<std::int32_t>{12, 5, 31});
+      EXPECT_EQ(made->statistics.modes[0].node_ids[0], ids(made)[2]);
+    };
+  };
+  sweep_job(make, [](QDL_Record *made) { return QDL_RenumberNodes(made, 3); },
+            expect_after({15, 8, 34}), {Door::kMemory});
   const std::vector<std::int32_t> given = {5, 99};
-  QDL_Record *made = nullptr;
-  for (const bool interface_nodes : {false, true}) {
-    sweep(
-        Door::kMemory, Persistence::kOnce,
-        [&] {
-          {
-            const PauseFaults pause;
-            made = model();
-            made->statistics.modes.resize(2);
-            made->statistics.modes[0].node_ids[0] = 31;
-          }
-          return interface_nodes ? QDL_RenumberInterfaceNodes(made, 2, given.data())
-                                 : QDL_RenumberNodes(made, 3);
-        },
-        [&](int result, bool fired) {
-          EXPECT_TRUE(result == 1 || fired);
-          EXPECT_EQ(errors.empty(), result == 1);
-          const std::vector<std::int32_t> after = interface_nodes
-                                                      ? std::vector<std::int32_t>{99, 31, 5}
-                                                      : std::vector<std::int32_t>{15, 8, 34};
-          const std::vector<std::int32_t> before = {12, 5, 31};
-          expect_ids(made, result == 1 ? after : before);
-          EXPECT_EQ(made->statistics.modes[0].node_ids[0], ids(made)[2]);
-          QDL_Destroy(made);
-        });
-  }
-}
-
-TEST_F(Renumbering, TellsOfANullHandle) {
-  const std::int32_t id = 1;
-  EXPECT_EQ(QDL_RenumberNodes(nullptr, 1), 0);
-  expect_only_error("The database has not been initialized.");
-  clear_messages();
-  EXPECT_EQ(QDL_RenumberInterfaceNodes(nullptr, 1, &id), 0);
-  expect_only_error("The database has not been initialized.");
+  sweep_job(make,
+            [&](QDL_Record *made) { return QDL_RenumberInterfaceNodes(made, 2, given.data()); },
+            expect_after({99, 31, 5}), {Door::kMemory});
 }
 
 }  // namespace

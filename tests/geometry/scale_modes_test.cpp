@@ -7,10 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "geometry/job_fixture.h"
 #include "record/record.h"
-#include "support/fault.h"
-#include "support/qdl_bytes.h"
-#include "support/read_fixture.h"
 
 namespace qdltest {
 namespace {
@@ -18,7 +16,7 @@ namespace {
 using Values = std::vector<double>;
 using Texts = std::vector<std::string>;
 
-class ScaleModes : public ReadFixture {
+class ScaleModes : public JobFixture {
  protected:
   static Values fetched(QDL_Record *model, int kind) {
     const auto half = 3 * static_cast<std::size_t>(QDL_ModeNodeCount(model, kind));
@@ -96,8 +94,6 @@ TEST_F(ScaleModes, WarnsWithoutModesAndScalesThePreVectorAllTheSame) {
   clear_messages();
   EXPECT_EQ(QDL_ScaleModes(model, 3, 2.0), 0);
   expect_no_messages();
-  EXPECT_EQ(QDL_ScaleModes(nullptr, QDL_MODE_SHAPE, 2.0), 0);
-  expect_only_error("The database has not been initialized.");
 }
 
 TEST_F(ScaleModes, NamesTheFileThatCannotBeMadeWithoutAFullStop) {
@@ -108,25 +104,14 @@ TEST_F(ScaleModes, NamesTheFileThatCannotBeMadeWithoutAFullStop) {
   EXPECT_TRUE(errors[0].ends_with("setting the TMP environment variable"));
 }
 
-TEST_F(ScaleModes, SurvivesFailingDisksAndMemory) {
-  for (const Door door : {Door::kFile, Door::kMemory}) {
-    QDL_Record *model = open(build_file(60));
-    const Values before = fetched(model, QDL_MODE_SHAPE);
-    QDL_CleanModesInMemory(model);
-    sweep(
-        door, Persistence::kOnce, [&] { return QDL_ScaleModes(model, QDL_MODE_SHAPE, 2.0); },
-        [&](int32_t result, bool fired) {
-          EXPECT_TRUE(result == 1 || fired);
-          EXPECT_EQ(errors.empty(), result == 1);
-          if (result == 0) {
-            EXPECT_EQ(fetched(model, QDL_MODE_SHAPE), before);
-            EXPECT_EQ(temporary_files(), Texts{});
-          } else {
-            model = open(build_file(60));
-          }
-          clear_messages();
-        });
-  }
+TEST_F(ScaleModes, LeavesTheModesWhenItFails) {
+  const SampleFile sample = build_file(60);
+  const Values values = fetched(open(sample), QDL_MODE_SHAPE);
+  sweep_job([&] { return open(sample); },
+            [](QDL_Record *model) { return QDL_ScaleModes(model, QDL_MODE_SHAPE, 2.0); },
+            [&](QDL_Record *model, bool done) {
+              EXPECT_EQ(fetched(model, QDL_MODE_SHAPE), times(done ? 2.0 : 1.0, values));
+            });
 }
 
 namespace {
@@ -199,8 +184,6 @@ TEST_F(ShiftFrame, DoesNothingWithoutMass) {
   EXPECT_EQ(place(model, 0), (std::array{-2.0, 5.0, 3.0}));
   EXPECT_EQ(QDL_ShiftLBRFtoCM(empty), 1);
   expect_no_messages();
-  EXPECT_EQ(QDL_ShiftLBRFtoCM(nullptr), 0);
-  expect_only_error("The database has not been initialized.");
 }
 
 }  // namespace qdltest

@@ -6,7 +6,6 @@
 #include <tuple>
 
 #include "geometry/surface_fixture.h"
-#include "support/fault.h"
 
 namespace {
 
@@ -16,8 +15,7 @@ using Faces = std::vector<Ints>;
 class StripFaces : public qdltest::SurfaceFixture {
  protected:
   static Faces stripped(const Faces &faces, int nodes = 9) {
-    QDL_Record *model = model_of(nodes);
-    set_faces(model, faces);
+    QDL_Record *model = model_with(nodes, faces);
     QDL_StripCommonFaces(model);
     Faces left = faces_of(model);
     QDL_UnLink(model);
@@ -152,18 +150,7 @@ TEST_F(StripFaces, AgreesWithThePlainReadingOfTheRules) {
   }
 }
 
-TEST_F(StripFaces, SortsFansThatShareTheirLargestNode) {
-  Faces fan;
-  for (int i = 0; i < 300; ++i)
-    fan.push_back({3, 600, (7 * i) % 300, (7 * i + 1) % 300});
-  EXPECT_EQ(stripped(fan, 601), strip_plainly(fan));
-}
-
 TEST_F(StripFaces, ReportsAListWithoutFacesLikeMissingMemory) {
-  QDL_StripCommonFaces(nullptr);
-  expect_only_error(qdltest::kNoRecord);
-  clear_messages();
-
   QDL_Record *model = model_of(3);
   QDL_StripCommonFaces(model);
   expect_allocation_report(true);
@@ -175,25 +162,15 @@ TEST_F(StripFaces, ReportsAListWithoutFacesLikeMissingMemory) {
 
 TEST_F(StripFaces, LeavesTheFacesWhenMemoryRunsOut) {
   const Faces faces = {{3, 0, 1, 2}, {3, 2, 1, 0}, {4, 0, 1, 2, 3}};
-  const std::size_t faults = qdltest::sweep(
-      qdltest::Door::kMemory, qdltest::Persistence::kEverAfter,
-      [&] {
-        QDL_Record *model = nullptr;
-        {
-          const qdltest::PauseFaults pause;
-          model = model_of(4);
-          set_faces(model, faces);
-        }
-        QDL_StripCommonFaces(model);
-        return model;
-      },
-      [&](QDL_Record *model, bool fired) {
-        EXPECT_EQ(faces_of(model), fired ? faces : (Faces{{4, 3, 0, 1, 2}}));
-        EXPECT_EQ(model->interior_faces_stripped, !fired);
-        expect_allocation_report(fired);
-        EXPECT_EQ(infos.size(), fired ? 0U : 1U);
-        QDL_UnLink(model);
-        clear_messages();
-      });
-  EXPECT_GE(faults, 4U);
+  sweep_job([&] { return model_with(4, faces); },
+            [](QDL_Record *model) {
+              QDL_StripCommonFaces(model);
+              return model->interior_faces_stripped ? 1 : 0;
+            },
+            [&](QDL_Record *model, bool done) {
+              EXPECT_EQ(faces_of(model), done ? (Faces{{4, 3, 0, 1, 2}}) : faces);
+              expect_allocation_report(!done);
+              EXPECT_EQ(infos.size(), done ? 1U : 0U);
+            },
+            {qdltest::Door::kMemory});
 }

@@ -88,24 +88,21 @@ TEST_F(SuppliedInvariants, FourFollowsTheMirrorOfTheNodesWhereThereAreMasses) {
 }
 
 TEST_F(SuppliedInvariants, OfAFileAreTurnedEvenIfNobodyAskedForThemBefore) {
-  for (const std::int32_t code : {60, 60 | kXdrBit | kSingleBit}) {
-    const SampleModel sample = sample_model();
+  constexpr std::array<int, 8> kAll = {1, 2, 3, 4, 5, 7, 8, 9};
+  const auto turned = [&](std::int32_t code, bool asked) {
     QDL_Record *model = open(build_file(code));
-    ASSERT_EQ(QDL_Mirror_Origin(model, kX.data()), 1);
-    for (const int number : {1, 2, 3, 4, 5, 7, 8, 9}) {
-      std::vector<double> expected = sample.invariants[static_cast<std::size_t>(number)];
-      for (std::size_t i = 0; i < expected.size(); ++i) {
-        const bool column = number == 3 || number == 4 || number == 5;
-        const bool first_of_vector = (column ? i / 2 % 3 : i) == 0;
-        const bool off_diagonal_of_first = (i % 9 / 3 == 0) != (i % 3 == 0);
-        if (number == 4             ? !first_of_vector
-            : number == 2 || column ? first_of_vector
-                                    : number > 6 && off_diagonal_of_first)
-          expected[i] = -expected[i];
-      }
-      EXPECT_EQ(invariant_of(model, number), expected) << "invariant " << number;
+    for (const int number : kAll) {
+      if (asked)
+        invariant_of(model, number);
     }
-  }
+    EXPECT_EQ(QDL_Mirror_Origin(model, kX.data()), 1);
+    std::vector<std::vector<double>> values;
+    for (const int number : kAll)
+      values.push_back(invariant_of(model, number));
+    return values;
+  };
+  for (const std::int32_t code : {60, 60 | kXdrBit | kSingleBit})
+    EXPECT_EQ(turned(code, false), turned(code, true));
 }
 
 TEST_F(SuppliedInvariants, CannotFollowATranslationWithoutMasses) {
@@ -244,26 +241,18 @@ TEST_F(SuppliedInvariants, FourIsSummedOverTheModesThatHaveValues) {
 
 // The stored products of inertia are positive: the tensor has their negatives.
 TEST_F(SuppliedInvariants, NoneLeavesTheGlobalMassToBeMoved) {
-  QDL_Record *model = QDL_Create(0, 0);
-  const Vec centre = {1, 2, -1};
-  // Two unit masses on either side of the centre, at (1, 2, -1) + (1, -1, 2) and - (1, -1, 2).
-  const auto inertia = [](const Vec &c, const Vec &d) {
-    std::vector<double> values;
-    for (std::size_t i = 0; i < 3; ++i) {
-      for (std::size_t j = 0; j < 3; ++j) {
-        double sum = 0.0;
-        for (const double side : {-1.0, 1.0}) {
-          const Vec r = {c[0] + side * d[0], c[1] + side * d[1], c[2] + side * d[2]};
-          const double square = r[0] * r[0] + r[1] * r[1] + r[2] * r[2];
-          sum += i == j ? square - r[i] * r[i] : r[i] * r[j];
-        }
-        values.push_back(sum);
-      }
-    }
+  Body body;
+  for (const Vec &place : {Vec{2, 1, 1}, Vec{0, 3, -3}})
+    body.nodes.push_back({1, place, 1.0, false, {}});
+  const auto stored_inertia = [&] {
+    std::vector<double> values = invariant(body, 7);
+    for (std::size_t i = 0; i < 9; ++i)
+      values[i] *= i % 4 == 0 ? 1.0 : -1.0;
     return values;
   };
-  const Vec arm = {1, -1, 2};
-  ASSERT_EQ(QDL_SetGlobalMass(model, 2.0, centre.data(), inertia(centre, arm).data()), 1);
+  QDL_Record *model = QDL_Create(0, 0);
+  std::vector<double> centre = {1, 2, -1};
+  ASSERT_EQ(QDL_SetGlobalMass(model, 2.0, centre.data(), stored_inertia().data()), 1);
   clear_messages();
   const Vec axis = {1, 1, 2};
   const Vec point = {0, 3, 1};
@@ -271,22 +260,16 @@ TEST_F(SuppliedInvariants, NoneLeavesTheGlobalMassToBeMoved) {
     if (known_invariants)
       qdlflex::obtain_invariant(*model, 7);
     ASSERT_EQ(QDL_Rotate(model, axis.data(), point.data(), 77.0), 1);
+    body = moved(body, turn(axis, point, 77.0));
   }
-  Body ends;
-  for (const double side : {0.0, 1.0}) {
-    const Vec r = {centre[0] + side * arm[0], centre[1] + side * arm[1], centre[2] + side * arm[2]};
-    ends.nodes.push_back({1, r, 0.0, false, {}});
-  }
-  ends = moved(ends, turn(axis, point, 154.0));
-  const Vec c = ends.nodes[0].xyz;
-  const Vec end = ends.nodes[1].xyz;
   double mass = 0.0;
-  std::vector<double> moved_centre(3);
-  std::vector<double> moved_inertia(9);
-  ASSERT_EQ(QDL_TotalMassInertia(model, &mass, moved_centre.data(), moved_inertia.data()), 1);
+  std::vector<double> inertia(9);
+  ASSERT_EQ(QDL_TotalMassInertia(model, &mass, centre.data(), inertia.data()), 1);
   EXPECT_EQ(mass, 2.0);
-  expect_near(moved_centre, {c[0], c[1], c[2]}, 1e-14);
-  expect_near(moved_inertia, inertia(c, {end[0] - c[0], end[1] - c[1], end[2] - c[2]}), 1e-13);
+  for (double &component : centre)
+    component *= mass;
+  expect_near(centre, invariant(body, 2), 1e-14);
+  expect_near(inertia, stored_inertia(), 1e-13);
   expect_no_messages();
 }
 

@@ -7,16 +7,14 @@
 #include <string>
 #include <vector>
 
+#include "geometry/job_fixture.h"
 #include "record/record.h"
-#include "support/fixture.h"
 
 namespace qdltest {
 
 using Ints = std::vector<std::int32_t>;
 
-inline const std::string kNoRecord = "The database has not been initialized.";
-
-class SurfaceFixture : public MessageFixture {
+class SurfaceFixture : public JobFixture {
  protected:
   // A model with the nodes 1 to `nodes` along a line.
   static QDL_Record *model_of(int nodes) {
@@ -31,6 +29,12 @@ class SurfaceFixture : public MessageFixture {
     model->faces = {{}, static_cast<std::int32_t>(faces.size()), true};
     for (const Ints &face : faces)
       model->faces.list.insert(model->faces.list.end(), face.begin(), face.end());
+  }
+
+  static QDL_Record *model_with(int nodes, const std::vector<Ints> &faces) {
+    QDL_Record *model = model_of(nodes);
+    set_faces(model, faces);
+    return model;
   }
 
   // Every face with its count.
