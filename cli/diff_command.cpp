@@ -20,7 +20,7 @@ struct DiffOptions {
 
 }  // namespace
 
-void add_diff_command(CLI::App &app, Job &job, bool &different) {
+void add_diff_command(CLI::App &app, Job &job, int &exit_code) {
   const auto options = std::make_shared<DiffOptions>();
   CLI::App *const command = app.add_subcommand("diff", "Compare two QDL files.");
   command->add_option("a", options->a, "QDL file")->type_name("A")->required();
@@ -31,15 +31,15 @@ void add_diff_command(CLI::App &app, Job &job, bool &different) {
       ->capture_default_str();
   command->add_flag("--json", options->json, "Print JSON instead of text");
   command->add_flag("-v,--verbose", options->verbose, "Show the library's information lines");
-  command->callback([options, &job, &different] {
+  command->callback([options, &job, &exit_code] {
     if (!std::isfinite(options->tolerance)) {
       throw CLI::ValidationError("--tolerance", "not a number");
     }
-    job = [options, &different] {
+    job = [options, &exit_code] {
       install_message_handlers(options->verbose);
       const BodyDifference difference = compare_bodies(options->a, options->b, options->tolerance);
       options->json ? print_json(difference) : print_text(difference);
-      different = !difference.same();
+      exit_code = difference.same() ? kExitDone : kExitDifferent;
     };
   });
 }

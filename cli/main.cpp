@@ -12,8 +12,6 @@
 
 namespace {
 
-enum ExitCode { exit_done = 0, exit_failed = 1, exit_usage = 2, exit_different = 3 };
-
 /// A full disk shows at the latest here.
 void finish_output() {
   if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
@@ -30,18 +28,17 @@ int run(int argc, char **argv) {
   Job job;
   int exit_code = kExitDone;
   add_check_command(app, job, exit_code);
-  bool different = false;
   add_convert_command(app, job);
-  add_diff_command(app, job, different);
+  add_diff_command(app, job, exit_code);
   add_edges_command(app, job);
   add_export_command(app, job);
   add_import_command(app, job);
   add_info_command(app, job);
   add_invariants_command(app, job);
   add_orthonormalize_command(app, job);
+  add_report_command(app, job);
   add_surface_command(app, job);
   add_transform_command(app, job);
-  add_report_command(app, job);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError &error) {
@@ -50,7 +47,6 @@ int run(int argc, char **argv) {
   job();
   finish_output();
   return exit_code;
-  return different ? exit_different : exit_done;
 }
 
 }  // namespace
