@@ -23,7 +23,7 @@ int run(int argc, char **argv) {
   using namespace qdlflex::cli;
 
   CLI::App app("Work with QDL files: modal flexible bodies.", "qdlflex");
-  app.set_version_flag("--version", "qdlflex " QDLFLEX_VERSION_STRING);
+  app.set_version_flag("--version", std::string("qdlflex ") + QDL_LibraryVersion());
   app.require_subcommand(1);
   Job job;
   int exit_code = kExitDone;

@@ -73,6 +73,11 @@ QDL_API void QDL_FreeMemory(void *pointer);
  * @return 1; null table: 0, nothing changed. @since 0.1 */
 QDL_API int32_t SetMessageHandlers(const QDL_MessageHandler *table);
 
+/** Version of the library that runs, which need not be the one whose headers a program was built
+ * with. A file's own version is QDL_Version().
+ * @return text of three numbers such as #QDLFLEX_VERSION_STRING; the library's. @since 0.1 */
+QDL_API const char *QDL_LibraryVersion(void);
+
 /** Fills a host's function table for binding at run time. A function's slot stands with its
  * `since`; slots never move. Slots without a function (45, 109-111, 127, 138-141, 177-183 in every
  * version) keep what the host put there.

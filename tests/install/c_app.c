@@ -42,6 +42,9 @@ int main(void) {
   QDL_Terminate();
   good &= expect(QDL_IsValid(model) == 0, "the record is gone");
 
+  good &= expect(strcmp(QDL_LibraryVersion(), QDLFLEX_VERSION_STRING) == 0,
+                 "the library is that of the header");
+
   printf("qdlflex %s from C: %s\n", QDLFLEX_VERSION_STRING, good ? "good" : "failed");
   return good ? 0 : 1;
 }

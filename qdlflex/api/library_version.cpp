@@ -1,0 +1,5 @@
+#include <qdlflex/qdlflex.h>
+
+const char *QDL_LibraryVersion(void) {
+  return QDLFLEX_VERSION_STRING;
+}
