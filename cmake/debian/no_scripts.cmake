@@ -1,0 +1,15 @@
+# Runs after the packages are put together: cpack gives packages with a shared library scripts that
+# call ldconfig, where Debian wants the trigger that cmake/debian/triggers pulls.
+
+foreach(package IN LISTS CPACK_PACKAGE_FILES)
+  set(folder ${CPACK_TEMPORARY_DIRECTORY}/unpacked)
+  file(REMOVE_RECURSE ${folder})
+  execute_process(COMMAND dpkg-deb --raw-extract ${package} ${folder} COMMAND_ERROR_IS_FATAL ANY)
+  if(EXISTS ${folder}/DEBIAN/postinst)
+    file(REMOVE ${folder}/DEBIAN/postinst ${folder}/DEBIAN/postrm)
+    execute_process(
+      COMMAND dpkg-deb --root-owner-group --build ${folder} ${package}
+      OUTPUT_QUIET COMMAND_ERROR_IS_FATAL ANY)
+  endif()
+  file(REMOVE_RECURSE ${folder})
+endforeach()
