@@ -195,8 +195,8 @@ bool adopt(QDL_Record &record, NewModes modes) {
   record.mode_numbers.swap(modes.numbers);
   adopt_forces(record, carried->forces);
   scale_damping(record, modes.scales, present_rigid_modes);
-  record.stiffness.entries.clear();
-  record.mass.entries.clear();
+  record.stiffness = {};
+  record.mass = {};
   adopt_rewrites(record, carried->rewrites);
   if (carried->operators)
     adopt_operators(record, *carried->operators, count);

@@ -152,6 +152,17 @@ TEST_F(CheckTest, FailsWhereTrustIsImpossible) {
   EXPECT_EQ(nothing.exit_code, 1);
   EXPECT_EQ(check_named(json::parse(nothing.output), "contents").at("verdict"), "failed");
 
+  const Record repeated(QDL_Create(2, 0));
+  QDL_AddNode(repeated.get(), 1);
+  QDL_AddNode(repeated.get(), 1);
+  qdlflex::cli::write_record(repeated.get(), path_, "no_ortho");
+  unsetenv("ZEB_QDLWRITE_OPTIONS");
+  const CommandResult ambiguous = run_qdlflex("check --json '" + path_ + "'");
+  EXPECT_EQ(ambiguous.exit_code, 3);
+  const json contents = check_named(json::parse(ambiguous.output), "contents");
+  EXPECT_EQ(contents.at("verdict"), "doubtful");
+  EXPECT_EQ(contents.at("numbers").at("repeated_nodes"), 1);
+
   write_jack(Jack{}, path_);
   const std::string whole = read_text(path_);
   const std::string shapes_cut = folder_.write("cut.qdl", whole.substr(0, whole.size() - 3000));

@@ -60,15 +60,6 @@ class SurfaceFixture : public JobFixture {
     QDL_FreeMemory(array);
     return values;
   }
-
-  // After faults in memory: nothing or just the one report.
-  void expect_allocation_report(bool fired) const {
-    EXPECT_EQ(errors.size(), fired ? 1U : 0U);
-    for (const std::string &error : errors) {
-      EXPECT_TRUE(error.starts_with("Failed to allocate memory at line ")) << error;
-      EXPECT_TRUE(error.ends_with(" in file qdltools.\n")) << error;
-    }
-  }
 };
 
 }  // namespace qdltest

@@ -1,5 +1,6 @@
 // Bodies of every kind for the matrix of write options.
 
+#include <algorithm>
 #include <cmath>
 
 #include "io/write_matrix_bodies.h"
@@ -85,7 +86,7 @@ void add_modes(SampleModel &model, const std::vector<double> &frequencies) {
   for (RotorMatrix &matrix : model.rotor_matrices)
     matrix.values = numbers(37, modes * modes);
   model.damping = {
-      0, {{1, 1, 1.5, 0}, {2, 1, 2.5, 0}, {3, 3, 3.5, 0}, {4, 3, 4.5, 0}, {4, 4, 5.5, 0}}};
+      1500, {{1, 1, 1.5, 11}, {2, 1, 2.5, 0}, {3, 3, 3.5, 12}, {4, 3, 4.5, 0}, {4, 4, 5.5, 13}}};
   for (std::size_t i = 1; i <= 9; ++i) {
     const std::array<std::size_t, 10> sizes = {
         0, 1, 3, 3 * modes, 3 * modes, 3 * modes * modes, 0, 9, 9 * modes, 9 * modes * modes};
@@ -102,7 +103,7 @@ void add_matrices(SampleModel &model) {
     const auto mode = static_cast<std::size_t>(i - 1);
     const double omega = 6.28318530718 * frequencies.at(mode);
     diagonal.at(mode) = static_cast<float>(4.0 * omega * omega / consistency_factor(model.units));
-    model.stiffness.entries.push_back({i, i, diagonal.at(mode), 0});
+    model.stiffness.entries.push_back({i, i, diagonal.at(mode), 1200 + i});
     model.mass.entries.push_back({i, i, 4.0, 0});
   }
   for (const std::int32_t i : {1, 2}) {
@@ -156,7 +157,8 @@ Body body_of(const Kind &kind) {
   body.blocks = kind.blocks;
   SampleModel &model = body.content;
   model.units = kind.units;
-  model.stiffness = model.mass = {0, {}};
+  model.stiffness = {kind.blocks.contains(12) ? 1200 : 0, {}};
+  model.mass = {kind.blocks.contains(13) ? 1300 : 0, {}};
   model.nodal_masses.clear();
   model.invariants = {};
   model.global_mass = {6.5, 1.5, -2.5, 3.5, 40, 1, 2, 1, 50, 3, 2, 3, 60};
@@ -209,6 +211,10 @@ const std::vector<Kind> &every_kind() {
       {"Bare", {}, {}, {}},
   };
   return kinds;
+}
+
+const Kind &kind_named(const std::string &name) {
+  return *std::ranges::find(every_kind(), name, &Kind::name);
 }
 
 }  // namespace qdltest

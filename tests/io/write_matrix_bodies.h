@@ -18,6 +18,7 @@ struct Kind {
 };
 
 const std::vector<Kind> &every_kind();
+const Kind &kind_named(const std::string &name);
 
 Body body_of(const Kind &kind);
 

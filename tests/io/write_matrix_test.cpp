@@ -16,28 +16,18 @@ using namespace qdltest;
 
 // --- Which combinations ------------------------------------------------------------------------
 
-enum Factor {
-  kForm,
-  kOrtho,
-  kInvariants,
-  kBand,
-  kEmpty,
-  kUnits,
-  kEdit,
-  kSparse,
-  kLoadNodes,
-  kSource,
-  kFactors
-};
+enum Factor { kForm, kOrtho, kInvariants, kBand, kEmpty, kUnits, kEdit, kSparse, kNodes, kSource };
+constexpr std::size_t kFactors = 10;
 using Choice = std::array<std::size_t, kFactors>;
 
 const std::vector<Band> kBands = {{"", -1.0, 1.0e8},
                                   {"lowpass(100)", -1.0, 100.0},
                                   {"highpass(1)lowpass(25)", 1.0, 25.0},
                                   {"highpass(500)", 500.0, 1.0e8},
+                                  {"highpass(5)lowpass(50)", 5.0, 50.0},
                                   {"lowpass(0.1)", -1.0, 0.1}};
 
-const Choice kLevels = {10, 2, 5, 5, 2, 2, 6, 2, 2, 3};
+const Choice kLevels = {10, 2, 5, 6, 2, 2, 6, 2, 2, 3};
 
 // The refusals and the body without modes leave most other options without effect.
 bool is_effective(const Choice &choice) {
@@ -101,7 +91,7 @@ Wishes wishes_of(const Choice &choice) {
   wishes.mks = choice[kUnits] == 1;
   wishes.edit = static_cast<Edit>(choice[kEdit]);
   wishes.sparse = choice[kSparse] == 1;
-  wishes.skip_load_nodes = choice[kLoadNodes] == 1;
+  wishes.skip_load_nodes = choice[kNodes] == 1;
   return wishes;
 }
 
@@ -129,11 +119,12 @@ void forgive_rounding(SampleFile &expected, const std::vector<std::uint8_t> &wri
   SampleFile actual = expected;
   actual.bytes = written;
   const bool single = expected.precision == Precision::kSingle;
-  const double unit = single || single_modes ? 2e-7 : 1e-11;
-  const double noise = single_modes ? 1e-6 : 1e-13;
   std::size_t next = 0;
-  for (int id = 4; id <= 37; ++id) {
-    const auto block = static_cast<std::size_t>(id);
+  for (std::size_t block = 4; block <= 37; ++block) {
+    // Sums lose what cancels; the numbers of a mode are far apart and none of them is a sum.
+    const bool of_modes = block == 7;
+    const double unit = single || single_modes ? 2e-7 : of_modes ? 1e-9 : 1e-11;
+    const double noise = of_modes ? 0.0 : single_modes ? 1e-6 : 1e-13;
     const std::size_t first = next;
     double largest = 1.0;
     for (; next < expected.reals.size() && expected.reals[next] < expected.offset[block + 1];

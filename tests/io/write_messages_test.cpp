@@ -1,4 +1,4 @@
-// What a write says: progress in order, warnings, and the refusal of names.
+// What a write warns of, and the refusal of names.
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -13,110 +13,7 @@ namespace {
 using namespace qdltest;
 namespace fs = std::filesystem;
 
-std::string yes_or_no(const std::string &label, bool yes) {
-  return std::string(30 - label.size(), ' ') + label + (yes ? " Yes" : " No");
-}
-
-const std::vector<std::string> kLabels = {
-    "Nodal Coords",           "Element Faces",       "Eigenvalues",         "Mode Shapes",
-    "Global Mass Properties", "Nodal Masses",        "Nodal Inertias",      "Generalized Stiffness",
-    "Generalized Mass",       "Generalized Damping", "Mode Transformation", "Stress Modes",
-    "Interface Nodes",        "Inertia Invariants",  "Modal Preload",       "Modal Loads",
-    "Strain Modes",           "Nodal Pre-Stress",    "Nodal Pre-Strain",    "Matrix Operators",
-    "Modal Load Nodal",       "Monitor Points",      "Rotor Dynamics"};
-
-// The lines that announce a file; all say yes but those of `absent`.
-std::vector<std::string> announcement(const std::set<std::string> &absent) {
-  std::vector<std::string> lines = {"\nCreating a QDL File with the following information:\n"};
-  for (const std::string &label : kLabels)
-    lines.push_back(yes_or_no(label, !absent.contains(label)));
-  return lines;
-}
-
-void append(std::vector<std::string> &lines, const std::vector<std::string> &more) {
-  lines.insert(lines.end(), more.begin(), more.end());
-}
-
-const std::vector<std::string> kNodeLines = {
-    "\nNode info:\n   Count: 4",
-    "\nGlobal body properties:",
-    "Mass          : 8.000000\n",
-    "Center of Mass: 0.500000 -0.250000 2.000000",
-    "Inertia Tensor: 1.500000 -2.000000 -3.000000",
-    "                -4.000000 5.000000 -6.000000",
-    "                -7.000000 -8.000000 9.000000",
-};
-const std::vector<std::string> kModeLines = {
-    "\nTrans Mode info:\n   Modes: 2\n   Nodes: 4",
-    "\nWriting Mode Shapes",
-    "\nNodal inertia info:\n   Sparse matrix entries: 7",
-    "\nUnits:\n   Mass:   KILOGRAM\n   Length: MILLIMETER\n   Time:   SECOND\n   Force:  NEWTON",
-};
-const std::vector<std::string> kLaterLines = {
-    "\nMatrix Operator Info:\n   Count: 2",
-    "\nModal Load Nodal Info:\n   Count: 2",
-    "\nMonitor Point info:\n   Count: 2",
-    "\nRotor Dynamics info:\n",
-    "   Number of Matrices: 3",
-    "   Center of Axis: 1.500000 2.500000 3.500000",
-    "   Vector of Axis: 4.500000 5.500000 6.500000",
-};
-
-class WriteMessages : public WriteFixture {
- protected:
-  // Invariants of the rigid body alone, so that nothing is projected.
-  QDL_Record *whole_body(const std::set<int> &added) {
-    SampleModel content = body_with_modes({0, 1}, 1);
-    content.global_mass = {8, 0.5, -0.25, 2, 1.5, -2, -3, -4, 5, -6, -7, -8, 9};
-    std::set<int> blocks = without(written_blocks(60), {21, 22, 23, 25, 26});
-    blocks.insert(added.begin(), added.end());
-    QDL_Record *record = build_record(content, blocks);
-    clear_messages();
-    return record;
-  }
-};
-
-TEST_F(WriteMessages, SolvedModes) {
-  ASSERT_EQ(write(whole_body({}), "lowpass(250)"), 1);
-  std::vector<std::string> expected = {"Exporting frequency range [-1.000000e+00,2.500000e+02]\n"};
-  append(expected, announcement({"Generalized Stiffness", "Generalized Mass"}));
-  append(expected, kNodeLines);
-  append(expected, {"\nEigenvalue info:\n   Modes: 2"});
-  append(expected, kModeLines);
-  append(expected, {"\nNumber of Element Faces: 3", "\nStress Mode info:\n   Modes: 2\n   Nodes: 3",
-                    "\nStrain Mode info:\n   Modes: 2\n   Nodes: 2",
-                    "\nPre-Stress info:\n   Nodes: 3", "\nPre-Strain info:\n   Nodes: 2"});
-  append(expected, kLaterLines);
-  EXPECT_EQ(infos, expected);
-  expect_only_warnings({});
-}
-
-// Old-style faces have neither a line nor a yes; stress and strain reach every node.
-TEST_F(WriteMessages, OldVersionWithGeneralizedMatrices) {
-  ASSERT_EQ(write(whole_body({12, 13}), "82_comp no_ortho lowpass(7)"), 1);
-  std::vector<std::string> expected =
-      announcement({"Element Faces", "Eigenvalues", "Mode Transformation"});
-  append(expected, kNodeLines);
-  append(expected, kModeLines);
-  append(expected, {"\nStress Mode info:\n   Modes: 2\n   Nodes: 4",
-                    "\nStrain Mode info:\n   Modes: 2\n   Nodes: 4",
-                    "\nPre-Stress info:\n   Nodes: 4", "\nPre-Strain info:\n   Nodes: 4"});
-  append(expected, kLaterLines);
-  EXPECT_EQ(infos, expected);
-  expect_only_warnings({});
-}
-
-// The two lines of generalized matrices tell what the record holds, not what is written.
-TEST_F(WriteMessages, EmptyModel) {
-  QDL_Record *record = QDL_Create(0, 0);
-  clear_messages();
-  ASSERT_EQ(write(record, "no_ortho"), 1);
-  const std::set<std::string> all(kLabels.begin(), kLabels.end());
-  std::vector<std::string> expected = announcement(all);
-  append(expected,
-         {"\nUnits:\n   Mass:   KILOGRAM\n   Length: METER\n   Time:   SECOND\n   Force:  NEWTON"});
-  EXPECT_EQ(infos, expected);
-}
+class WriteMessages : public WriteFixture {};
 
 TEST_F(WriteMessages, WarnsOfNodesAtTheOriginAndWithoutMass) {
   SampleModel content = body_with_modes({0, 1}, 1);

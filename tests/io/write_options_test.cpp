@@ -16,8 +16,6 @@ using namespace qdltest;
 
 const std::string kFullAndSparse = "Cannot specify full and sparse stress and strain modes.";
 const std::string kNoVersion = "Problem writing version number.";
-const std::string kIllegal = "Illegal invariants option, use full_invar or fast_invar.";
-
 std::string refusal(const std::string &release, const std::string &what) {
   return release + " compatible QDL cannot " + what;
 }
@@ -183,51 +181,6 @@ TEST_F(WriteOptions, FrequencyLimits) {
     EXPECT_EQ(qdlflex::parse_write_options("highpass(" + c.argument).highpass, c.expected);
   }
   EXPECT_EQ(qdlflex::parse_write_options("lowpass 7 highpass").lowpass, std::nullopt);
-}
-
-// --- Invariants and units ---------------------------------------------------------------------
-
-TEST_F(WriteOptions, InvariantsWithoutAKindDoNotFailTheWrite) {
-  QDL_Record *record = body();
-  EXPECT_EQ(write(record, "invar MKS"), 1);
-  EXPECT_EQ(errors, std::vector<std::string>{kIllegal});
-  std::array<char, 16> mass{}, length{}, time{}, force{};
-  QDL_Units(record, mass.data(), length.data(), time.data(), force.data());
-  EXPECT_STREQ(length.data(), "MILLIMETER") << "MKS is ignored then";
-}
-
-TEST_F(WriteOptions, MksConvertsTheModel) {
-  SampleModel content = body_with_modes({0, 1}, 1);
-  const std::set<int> blocks = {4, 6, 7, 8, 9, 11, 16, 17};
-  QDL_Record *record = build_record(content, blocks);
-  SampleModel metres = content;
-  metres.units[1] = "METER";
-  for (Node &node : metres.nodes)
-    for (double &x : node.xyz)
-      x /= 1000.0;
-  for (auto &values : metres.mode_shapes.values)
-    for (std::size_t i = 0; i < values.size(); ++i)
-      values[i] /= i % 6 < 3 ? 1000.0 : 1.0;
-  ASSERT_EQ(write(record, "no_xdr MKS"), 1);
-  expect_only_warnings({});
-  QDL_Record *copy = QDL_CreateFromQDL(path("written.qdl").c_str());
-  std::array<char, 16> mass{}, length{}, time{}, force{};
-  for (QDL_Record *each : {record, copy}) {
-    QDL_Units(each, mass.data(), length.data(), time.data(), force.data());
-    EXPECT_STREQ(length.data(), "METER");
-    for (std::size_t i = 0; i < 4; ++i) {
-      const auto node = static_cast<std::int32_t>(i);
-      std::array<double, 3> xyz{}, shape{}, rotation{};
-      QDL_NodeCoordinates(each, node, xyz.data());
-      QDL_ModeByNode(each, 3, QDL_MODE_SHAPE, node, shape.data(), 0);
-      QDL_ModeByNode(each, 3, QDL_MODE_SHAPE, node, rotation.data(), 1);
-      for (std::size_t c = 0; c < 3; ++c) {
-        EXPECT_DOUBLE_EQ(xyz[c], metres.nodes[i].xyz[c]);
-        EXPECT_DOUBLE_EQ(shape[c], metres.mode_shapes.values[1][6 * i + c]);
-        EXPECT_DOUBLE_EQ(rotation[c], metres.mode_shapes.values[1][6 * i + 3 + c]);
-      }
-    }
-  }
 }
 
 }  // namespace

@@ -61,8 +61,7 @@ void Write::solve() {
   }
   for (const auto &row : solution.vectors)
     model_.transformation.push_back({0, row});
-  model_.stiffness.entries.clear();
-  model_.mass.entries.clear();
+  model_.stiffness = model_.mass = {0, {}};
   std::iota(body_.mode_numbers.begin(), body_.mode_numbers.end(), 1);
   transform(solution.vectors);
 }
@@ -118,13 +117,21 @@ void Write::obtain(int number) {
   const bool modal = number != 1 && number != 2 && number != 7;
   if (body_.known.contains(number) || (modal && modes() == 0))
     return;
-  body_.known.insert(number);
   out_.computed = true;
-  std::vector<double> &values = invariant(number);
-  values = summed_invariant(model_, number);
+  // What one pass over the nodes gives.
+  std::set<int> together = {number};
+  if (has(9) && (number == 5 || number == 9))
+    together = {5, 9};
+  else if (has(9) && modal)
+    together = {3, 4, 8};
+  for (const int each : together)
+    if (number == 5 || number == 9 || !body_.known.contains(each))
+      invariant(each) = summed_invariant(model_, each);
+  body_.known.insert(together.begin(), together.end());
   const std::vector<double> &global = model_.global_mass;
   if (has(9) || modal || global.empty() || global[0] == 0.0)
     return;
+  std::vector<double> &values = invariant(number);
   for (std::size_t i = 0; i < values.size(); ++i)
     values[i] = number == 1   ? global[0]
                 : number == 2 ? global[0] * global[1 + i]
