@@ -153,7 +153,7 @@ TEST_F(CheckTest, FailsWhereTrustIsImpossible) {
   EXPECT_EQ(check_named(json::parse(nothing.output), "contents").at("verdict"), "failed");
 
   const Record repeated(QDL_Create(2, 0));
-  QDL_AddNode(repeated.get(), 1);
+  QDL_SetNodeCoordinates(repeated.get(), 1, 1.0, 2.0, 3.0);
   QDL_AddNode(repeated.get(), 1);
   qdlflex::cli::write_record(repeated.get(), path_, "no_ortho");
   unsetenv("ZEB_QDLWRITE_OPTIONS");
