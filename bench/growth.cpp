@@ -32,22 +32,11 @@ double best_of_five(const Job &job) {
   return best;
 }
 
-void set_sheet(QDL_Record *model, std::int32_t faces) {
-  const QuadSurface surface = wavy_sheet(static_cast<int>(std::sqrt(faces)));
-  std::int32_t id = 0;
-  for (const Point &node : surface.nodes)
-    QDL_SetNodeCoordinates(model, ++id, node[0], node[1], node[2]);
-  for (const Quad &quad : surface.quads) {
-    const Quad ids = {quad[0] + 1, quad[1] + 1, quad[2] + 1, quad[3] + 1};
-    QDL_SetFaceList(model, 4, ids.data());
-  }
-}
-
 // Such a job changes the model: it is measured once.
 template <class Job>
 double on_sheet(std::int32_t faces, const Job &job) {
   const Model model(QDL_Create(faces, 0));
-  set_sheet(model, faces);
+  set_surface(model, wavy_sheet(static_cast<int>(std::sqrt(faces))));
   return seconds([&] { job(model); });
 }
 

@@ -81,13 +81,7 @@ void solve_eigenproblem() {
 void coarsen() {
   const QuadSurface surface = wavy_sheet(60);
   const Model model(QDL_Create(static_cast<std::int32_t>(surface.nodes.size()), 0));
-  std::int32_t id = 0;
-  for (const Point &node : surface.nodes)
-    QDL_SetNodeCoordinates(model, ++id, node[0], node[1], node[2]);
-  for (const Quad &quad : surface.quads) {
-    const Quad ids = {quad[0] + 1, quad[1] + 1, quad[2] + 1, quad[3] + 1};
-    QDL_SetFaceList(model, 4, ids.data());
-  }
+  set_surface(model, surface);
   hot_path([&] { require(QDL_TrimGeometry(model, "0.1,20,1") == 1, "the faces are coarsened"); });
 }
 

@@ -1,6 +1,8 @@
 // The surface that the geometry benchmarks measure on.
 #pragma once
 
+#include <qdlflex/qdlflex.h>
+
 #include <array>
 #include <cmath>
 #include <cstdint>
@@ -55,6 +57,17 @@ inline QuadSurface wavy_sheet(int side) {
     }
   }
   return surface;
+}
+
+// Nodes are numbered from 1.
+inline void set_surface(QDL_Record *model, const QuadSurface &surface) {
+  std::int32_t id = 0;
+  for (const Point &node : surface.nodes)
+    QDL_SetNodeCoordinates(model, ++id, node[0], node[1], node[2]);
+  for (const Quad &quad : surface.quads) {
+    const Quad ids = {quad[0] + 1, quad[1] + 1, quad[2] + 1, quad[3] + 1};
+    QDL_SetFaceList(model, 4, ids.data());
+  }
 }
 
 }  // namespace qdlflex::bench

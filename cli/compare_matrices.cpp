@@ -119,13 +119,13 @@ BlockDifference compare_rigid_invariant(const BodyPair &bodies, int number) {
 
 /// The values of a mode, or of a mode with one partner at a time, as the getters hand them out.
 struct ModalInvariant {
-  int number;
   size_t components;
+  int number;
   bool of_pairs;
 };
 
 constexpr ModalInvariant kModalInvariants[] = {
-    {3, 3, false}, {4, 3, false}, {5, 3, true}, {8, 9, false}, {9, 9, true}};
+    {3, 3, false}, {3, 4, false}, {3, 5, true}, {9, 8, false}, {9, 9, true}};
 
 /// All modes of one row, mode after mode: row 0, or that of the first mode of pairs.
 std::vector<double> read_row(QDL_Record *record, const ModalInvariant &invariant, int32_t row) {
@@ -161,31 +161,34 @@ double largest_of_invariant(QDL_Record *record, const ModalInvariant &invariant)
   return largest;
 }
 
+/// `first` is the first mode of pairs.
+void compare_row(const BodyPair &bodies, const ModalInvariant &invariant, const ModePair &first,
+                 double largest, BlockDifference &block) {
+  const std::vector<double> a = read_row(bodies.a, invariant, first.a);
+  const std::vector<double> b = read_row(bodies.b, invariant, first.b);
+  for (const ModePair &mode : bodies.modes) {
+    const double factor = mode.factor * (invariant.of_pairs ? first.factor : 1.0);
+    const double *const of_a = &a[static_cast<size_t>(mode.a) * invariant.components];
+    const double *const of_b = &b[static_cast<size_t>(mode.b) * invariant.components];
+    for (size_t k = 0; k < invariant.components; ++k) {
+      block.compare(of_a[k], of_b[k] / factor, largest, [&] {
+        return (invariant.of_pairs ? mode_name(bodies, first) + ", " : "") +
+               mode_name(bodies, mode) + ", value " + std::to_string(k + 1);
+      });
+    }
+  }
+}
+
 /// Rows that belong together are compared one at a time, as all of them may be many.
 BlockDifference compare_modal_invariant(const BodyPair &bodies, const ModalInvariant &invariant) {
   BlockDifference block = bodies.block(name_of(invariant.number));
   const double largest = largest_of_invariant(bodies.a, invariant);
-  const auto compare_row = [&](const ModePair &first) {
-    const std::vector<double> a = read_row(bodies.a, invariant, first.a);
-    const std::vector<double> b = read_row(bodies.b, invariant, first.b);
-    for (const ModePair &mode : bodies.modes) {
-      const double factor = mode.factor * (invariant.of_pairs ? first.factor : 1.0);
-      for (size_t k = 0; k < invariant.components; ++k) {
-        block.compare(a[static_cast<size_t>(mode.a) * invariant.components + k],
-                      b[static_cast<size_t>(mode.b) * invariant.components + k] / factor, largest,
-                      [&] {
-                        return (invariant.of_pairs ? mode_name(bodies, first) + ", " : "") +
-                               mode_name(bodies, mode) + ", value " + std::to_string(k + 1);
-                      });
-      }
-    }
-  };
   if (!invariant.of_pairs) {
-    compare_row({0, 0, {}});
+    compare_row(bodies, invariant, {0, 0, {}}, largest, block);
     return block;
   }
   for (const ModePair &first : bodies.modes) {
-    compare_row(first);
+    compare_row(bodies, invariant, first, largest, block);
   }
   return block;
 }

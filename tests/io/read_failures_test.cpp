@@ -286,23 +286,6 @@ TEST_F(Truncation, EveryPrefixReportsTheBlockThatIsCut) {
 
 using NotQdl = ReadFixture;
 
-// While it lives, no further descriptor can be opened.
-class DescriptorLimit {
- public:
-  DescriptorLimit() {
-    getrlimit(RLIMIT_NOFILE, &before_);
-    rlimit limit = before_;
-    limit.rlim_cur = 3;
-    setrlimit(RLIMIT_NOFILE, &limit);
-  }
-  ~DescriptorLimit() { setrlimit(RLIMIT_NOFILE, &before_); }
-  DescriptorLimit(const DescriptorLimit &) = delete;
-  DescriptorLimit &operator=(const DescriptorLimit &) = delete;
-
- private:
-  rlimit before_{};
-};
-
 TEST_F(NotQdl, CodesThatFitNeitherEncoding) {
   using Bytes = std::vector<std::uint8_t>;
   const std::vector<Bytes> words = {
@@ -348,7 +331,7 @@ TEST_F(NotQdl, DescriptorsExhausted) {
   QDL_Record *other = QDL_Create(1, 1);
   const std::array<double, 6> values = {1, 2, 3, 4, 5, 6};
   {
-    const DescriptorLimit none_left;
+    const ResourceLimit none_left(RLIMIT_NOFILE, 3);
     EXPECT_EQ(QDL_CreateFromQDL(name.c_str()), nullptr);
     expect_no_messages();
     EXPECT_EQ(QDL_write_QDL(other, path("written.qdl").c_str()), 0);

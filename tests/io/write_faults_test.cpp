@@ -69,22 +69,7 @@ bool is_mode_error(const std::string &text) {
   return text.starts_with("Problem reading mod");
 }
 
-// Each file that a process writes is at most this long while it lives.
-class FileSizeLimit {
- public:
-  explicit FileSizeLimit(std::size_t bytes) {
-    getrlimit(RLIMIT_FSIZE, &before_);
-    rlimit limit = before_;
-    limit.rlim_cur = bytes;
-    setrlimit(RLIMIT_FSIZE, &limit);
-  }
-  ~FileSizeLimit() { setrlimit(RLIMIT_FSIZE, &before_); }
-  FileSizeLimit(const FileSizeLimit &) = delete;
-  FileSizeLimit &operator=(const FileSizeLimit &) = delete;
-
- private:
-  rlimit before_{};
-};
+;
 
 class WriteFaults : public WriteFixture {
  protected:
@@ -177,7 +162,7 @@ TEST_F(WriteFaults, FullDiskIsReportedByTheBlockThatDoesNotFit) {
             continue;
           SCOPED_TRACE(testing::Message()
                        << options << ": " << limit << " bytes, in block " << block);
-          const FileSizeLimit size_limit(limit);
+          const ResourceLimit size_limit(RLIMIT_FSIZE, limit);
           expect_refused(record, options, {error_of_block(block)});
         }
       }

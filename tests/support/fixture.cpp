@@ -71,6 +71,17 @@ ScopedEnvironment::~ScopedEnvironment() {
     unsetenv(name_.c_str());
 }
 
+ResourceLimit::ResourceLimit(int resource, std::size_t limit) : resource_(resource) {
+  getrlimit(resource_, &before_);
+  rlimit lowered = before_;
+  lowered.rlim_cur = limit;
+  setrlimit(resource_, &lowered);
+}
+
+ResourceLimit::~ResourceLimit() {
+  setrlimit(resource_, &before_);
+}
+
 std::size_t open_descriptors() {
   const fs::directory_iterator descriptors("/proc/self/fd");
   return static_cast<std::size_t>(std::distance(begin(descriptors), end(descriptors)));

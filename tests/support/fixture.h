@@ -3,6 +3,7 @@
 #pragma once
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -25,6 +26,19 @@ class ScopedEnvironment {
  private:
   std::string name_;
   std::optional<std::string> before_;
+};
+
+// Lowers a limit of the process, such as RLIMIT_FSIZE, until the end of the scope.
+class ResourceLimit {
+ public:
+  ResourceLimit(int resource, std::size_t limit);
+  ~ResourceLimit();
+  ResourceLimit(const ResourceLimit &) = delete;
+  ResourceLimit &operator=(const ResourceLimit &) = delete;
+
+ private:
+  int resource_;
+  rlimit before_{};
 };
 
 std::size_t open_descriptors();
