@@ -72,13 +72,12 @@ NodalMasses compare_masses(const Body &body) {
 
 template <class Get>
 int32_t repeated(int32_t count, Get get) {
-  std::vector<int32_t> numbers;
+  std::vector<int32_t> numbers(static_cast<size_t>(count));
   for (int32_t index = 0; index < count; ++index) {
-    numbers.push_back(get(index));
+    numbers[static_cast<size_t>(index)] = get(index);
   }
   std::ranges::sort(numbers);
-  const auto rest = std::ranges::unique(numbers);
-  return static_cast<int32_t>(std::ranges::ssize(rest));
+  return static_cast<int32_t>(numbers.end() - std::unique(numbers.begin(), numbers.end()));
 }
 
 std::vector<double> list(const Vector3 &values) {

@@ -152,8 +152,8 @@ void print_json(const CheckReport &report) {
   nlohmann::ordered_json checks = nlohmann::ordered_json::array();
   for (const Check &check : report.checks) {
     nlohmann::ordered_json numbers = nlohmann::ordered_json::object();
-    for (const auto &[name, value] : check.numbers) {
-      std::visit([&](const auto &held) { numbers[name] = held; }, value);
+    for (const auto &number : check.numbers) {
+      std::visit([&](const auto &held) { numbers[number.name] = held; }, number.value);
     }
     checks.push_back({{"name", check.name},
                       {"verdict", name_of(check.verdict)},

@@ -12,7 +12,7 @@ namespace {
 
 /// Takes over an array of the library.
 std::vector<double> owned(double *array, int32_t count) {
-  const std::vector<double> values(array, array + count);
+  std::vector<double> values(array, array + count);
   QDL_FreeMemory(array);
   return values;
 }
@@ -86,8 +86,10 @@ BlockDifference compare_modal_loads(const BodyPair &bodies) {
 using NodalLoad = std::tuple<int32_t, int32_t, double>;  // node, coordinate, value
 
 std::vector<NodalLoad> read_nodal_loads(QDL_Record *record, int32_t load_case) {
+  const int32_t count = QDL_GetModalLoadNodalCount(record, load_case);
   std::vector<NodalLoad> loads;
-  for (int32_t entry = 0; entry < QDL_GetModalLoadNodalCount(record, load_case); ++entry) {
+  loads.reserve(static_cast<size_t>(count));
+  for (int32_t entry = 0; entry < count; ++entry) {
     loads.emplace_back(QDL_GetModalLoadNodalNode(record, load_case, entry),
                        QDL_GetModalLoadNodalCoord(record, load_case, entry),
                        QDL_GetModalLoadNodalLoad(record, load_case, entry));
