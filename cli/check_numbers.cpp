@@ -189,11 +189,28 @@ bool mark_moving(std::span<const double> half, std::vector<bool> &moves) {
   return any;
 }
 
+/// Looks at both halves of a mode, which `half` has room for. Tells whether it moves a node; one
+/// that can't be read may.
+bool scan_mode(QDL_Record *record, int32_t mode, int32_t kind, std::vector<double> &half,
+               PlaceCounter &places, ModeScan &scan) {
+  constexpr std::array<const char *, 3> kKinds = {"mode_shapes", "modal_stress", "modal_strain"};
+  bool moves = false;
+  for (int32_t part = 0; part < 2; ++part) {
+    if (QDL_Mode(record, mode, kind, half.data(), part) == 0) {
+      ++scan.unreadable;
+      moves = true;
+      continue;
+    }
+    places.count(kKinds[static_cast<size_t>(kind)], half);
+    moves = (kind == QDL_MODE_SHAPE && mark_moving(half, scan.node_moves)) || moves;
+  }
+  return moves;
+}
+
 }  // namespace
 
 ModeScan scan_modes(const Body &body) {
   QDL_Record *const record = body.record;
-  constexpr std::array<const char *, 3> kKinds = {"mode_shapes", "modal_stress", "modal_strain"};
   ModeScan scan;
   scan.node_moves.resize(static_cast<size_t>(QDL_NodeCount(record)));
   PlaceCounter places(scan.places);
@@ -203,16 +220,7 @@ ModeScan scan_modes(const Body &body) {
     }
     std::vector<double> half(3 * static_cast<size_t>(QDL_ModeNodeCount(record, kind)));
     for (const int32_t mode : body.modes) {
-      bool moves = false;
-      for (int32_t part = 0; part < 2; ++part) {
-        if (QDL_Mode(record, mode, kind, half.data(), part) == 0) {
-          ++scan.unreadable;
-          moves = true;
-          continue;
-        }
-        places.count(kKinds[static_cast<size_t>(kind)], half);
-        moves = (kind == QDL_MODE_SHAPE && mark_moving(half, scan.node_moves)) || moves;
-      }
+      const bool moves = scan_mode(record, mode, kind, half, places, scan);
       if (kind == QDL_MODE_SHAPE && !moves) {
         scan.zero_modes.push_back(mode);
       }
