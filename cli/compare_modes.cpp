@@ -118,16 +118,17 @@ BlockDifference compare_eigenvalues(const BodyPair &bodies) {
                           &v[4]) != 0;
   };
   for (const ModePair &mode : bodies.modes) {
+    const std::string name = mode_name(bodies, mode);
     Values a{};
     Values b{};
-    if (block.both(read(bodies.a, mode.a, a), read(bodies.b, mode.b, b),
-                   mode_name(bodies, mode) + ", frequency")) {
-      const double square = mode.factor * mode.factor;
-      b[3] /= square;
-      b[4] /= square;
-      for (size_t k = 0; k < a.size(); ++k) {
-        block.compare(a[k], b[k], 0.0, [&] { return mode_name(bodies, mode) + ", " + kNames[k]; });
-      }
+    if (!block.both(read(bodies.a, mode.a, a), read(bodies.b, mode.b, b), name + ", frequency")) {
+      continue;
+    }
+    const double square = mode.factor * mode.factor;
+    b[3] /= square;
+    b[4] /= square;
+    for (size_t k = 0; k < a.size(); ++k) {
+      block.compare(a[k], b[k], 0.0, [&] { return name + ", " + kNames[k]; });
     }
   }
   return block;

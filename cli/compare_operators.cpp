@@ -73,6 +73,7 @@ std::string row_labels(QDL_Record *record, int32_t op) {
   const auto rows = static_cast<size_t>(QDL_GetMatrixOperatorNumRows(record, op));
   std::vector<std::array<char, 81>> labels(rows);
   std::vector<char *> buffers;
+  buffers.reserve(rows);
   for (auto &label : labels) {
     buffers.push_back(label.data());
   }
