@@ -152,15 +152,21 @@ class OpenModes {
       for (size_t k = 0; k < b_.size(); k += b.capacity()) {
         const auto columns = std::span(b_).subspan(k, std::min(b.capacity(), b_.size() - k));
         b.load(columns);
-        const std::vector<double> macs = assurances(a, rows.size(), b, columns.size());
-        for (size_t at = 0; at < macs.size(); ++at) {
-          if (macs[at] > kLeastAssurance) {
-            found.push_back({macs[at], rows[at / columns.size()], columns[at % columns.size()]});
-          }
-        }
+        add_alike(a, rows, b, columns, found);
       }
     }
     return found;
+  }
+
+  /// The modes that the slabs hold now.
+  static void add_alike(const Slab &a, std::span<const int32_t> rows, const Slab &b,
+                        std::span<const int32_t> columns, std::vector<Candidate> &found) {
+    const std::vector<double> macs = assurances(a, rows.size(), b, columns.size());
+    for (size_t at = 0; at < macs.size(); ++at) {
+      if (macs[at] > kLeastAssurance) {
+        found.push_back({macs[at], rows[at / columns.size()], columns[at % columns.size()]});
+      }
+    }
   }
 
   bool moves(int32_t a, int32_t b) const {
