@@ -1,6 +1,5 @@
 #include <cmath>
 #include <cstdio>
-#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
@@ -38,12 +37,15 @@ std::string write_options(QDL_Record *record, const OrthonormalizeOptions &optio
          limit("lowpass", options.lowpass, 9e99) + same_form_options(record);
 }
 
-/// Writes the file and tells how many modes the input has.
-int32_t write_modes(const OrthonormalizeOptions &options) {
+void write_modes(const OrthonormalizeOptions &options) {
   const Record record = open_record(options.input);
-  const int32_t modes = QDL_ModeCount(record.get());
-  write_record(record.get(), options.output, write_options(record.get(), options));
-  return modes;
+  const bool has_modes = QDL_ModeCount(record.get()) > 0;
+  const auto must_have_modes = [has_modes](const std::string &written) {
+    if (has_modes && QDL_ModeCount(open_record(written).get()) == 0) {
+      throw Failure("none of the modes would be left");
+    }
+  };
+  write_record(record.get(), options.output, write_options(record.get(), options), must_have_modes);
 }
 
 void print_frequencies(const std::string &path, QDL_Record *record) {
@@ -60,13 +62,8 @@ void print_frequencies(const std::string &path, QDL_Record *record) {
 void orthonormalize(const OrthonormalizeOptions &options) {
   install_message_handlers(options.verbose);
   check_output_is_not(options.input, options.output);
-  const int32_t modes_before = write_modes(options);
-  Record written = open_record(options.output);
-  if (modes_before > 0 && QDL_ModeCount(written.get()) == 0) {
-    written.reset();
-    std::filesystem::remove(options.output);
-    throw Failure("none of the modes would be left");
-  }
+  write_modes(options);
+  const Record written = open_record(options.output);
   print_frequencies(options.output, written.get());
 }
 

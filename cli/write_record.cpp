@@ -84,10 +84,14 @@ class Replacement {
     std::filesystem::permissions(written_, std::filesystem::status(replaced_).permissions(), error);
     std::filesystem::rename(written_, replaced_, error);
     if (error) {
-      std::error_code ignored;
-      std::filesystem::remove(written_, ignored);
+      discard();
       throw Failure(replaced_.string() + ": " + error.message());
     }
+  }
+
+  void discard() const {
+    std::error_code ignored;
+    std::filesystem::remove(written_, ignored);
   }
 
  private:
@@ -125,11 +129,20 @@ void set_write_options(const std::string &options) {
   setenv(kWriteOptionsVariable, options.c_str(), 1);
 }
 
-void write_record(QDL_Record *record, const std::string &path, const std::string &options) {
+void write_record(QDL_Record *record, const std::string &path, const std::string &options,
+                  const std::function<void(const std::string &written)> &accept) {
   set_write_options(options);
   const Replacement replacement(path);
   if (QDL_write_QDL(record, replacement.path().c_str()) == 0) {
     throw Failure(path + " was not written");
+  }
+  try {
+    if (accept) {
+      accept(replacement.path());
+    }
+  } catch (const Failure &) {
+    replacement.discard();
+    throw;
   }
   replacement.finish();
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -22,6 +23,9 @@ std::string faithful_write_options(QDL_Record *record);
 void set_write_options(const std::string &options);
 
 /// Throws a Failure if the file cannot be written; one that existed before is then still there.
-void write_record(QDL_Record *record, const std::string &path, const std::string &options);
+/// `accept`, if given, looks at the new file before it takes that one's place, and may refuse it by
+/// a Failure.
+void write_record(QDL_Record *record, const std::string &path, const std::string &options,
+                  const std::function<void(const std::string &written)> &accept = {});
 
 }  // namespace qdlflex::cli

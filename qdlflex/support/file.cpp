@@ -137,6 +137,9 @@ std::shared_ptr<File> File::open(const std::string &name, Access access) {
   const int descriptor = ::open(name.c_str(), flags, kAsTheUserMasks);
   if (descriptor < 0)
     return nullptr;
+  // Somebody reads the other end: a pipe that is full has to be waited for.
+  if (writing)
+    ::fcntl(descriptor, F_SETFL, flags & ~O_NONBLOCK);
   file->stream_ = ::fdopen(descriptor, writing ? "wb" : "rb");
   if (file->stream_ == nullptr) {
     ::close(descriptor);

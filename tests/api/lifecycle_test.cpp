@@ -114,6 +114,14 @@ TEST_F(Lifecycle, ANewModelHasTheDefaults) {
   EXPECT_EQ(QDL_AddMode(model, 1), -1);  // negative plans are plans for nothing
 }
 
+TEST_F(Lifecycle, TenThousandOpenAndClose) {
+  const std::string name = sample("body.qdl");
+  const std::size_t before = open_descriptors();
+  for (int i = 0; i < 10'000; ++i)
+    QDL_UnLink(QDL_CreateFromQDL(name.c_str()));
+  EXPECT_EQ(open_descriptors(), before);
+}
+
 // The host may end its models after the library's own list has been cleared.
 TEST(Exit, ModelsMayBeEndedAtTheEndOfTheProcess) {
   EXPECT_EXIT(

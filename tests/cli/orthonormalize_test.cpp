@@ -106,6 +106,10 @@ TEST_F(OrthonormalizeCommand, RefusesWhatItCannotDo) {
   EXPECT_EQ(nothing_left.exit_code, 1);
   EXPECT_TRUE(nothing_left.errors.ends_with("qdlflex: error: none of the modes would be left\n"));
   EXPECT_FALSE(std::filesystem::exists(output_));
+  std::filesystem::copy(input_, output_);
+  EXPECT_EQ(run("--lowpass 0.5").exit_code, 1);
+  EXPECT_EQ(read_text(output_), read_text(input_)) << "the file that was there is gone";
+  std::filesystem::remove(output_);
   EXPECT_EQ(run("--lowpass nan").exit_code, 2);
   const CommandResult onto_itself = run_qdlflex("orthonormalize " + input_ + " -o " + input_);
   EXPECT_EQ(onto_itself.exit_code, 1);
