@@ -331,7 +331,7 @@ TEST_F(NotQdl, DescriptorsExhausted) {
   QDL_Record *other = QDL_Create(1, 1);
   const std::array<double, 6> values = {1, 2, 3, 4, 5, 6};
   {
-    const ResourceLimit none_left(RLIMIT_NOFILE, 3);
+    const ResourceLimit none_left(RLIMIT_NOFILE, 0);
     EXPECT_EQ(QDL_CreateFromQDL(name.c_str()), nullptr);
     expect_no_messages();
     EXPECT_EQ(QDL_write_QDL(other, path("written.qdl").c_str()), 0);
