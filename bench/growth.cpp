@@ -44,6 +44,8 @@ template <class Job>
 double on_body(std::int32_t nodes, std::int32_t modes, const Job &job) {
   const Model model(QDL_Create(nodes, modes));
   set_nodes(model, nodes);
+  for (std::int32_t node = 1; node <= nodes; ++node)
+    QDL_SetNodalMass(model, node, 1e-3);
   set_modes(model, nodes, modes);
   return best_of_five([&] { job(model); });
 }

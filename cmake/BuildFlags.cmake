@@ -11,6 +11,10 @@ target_compile_options(qdlflex_flags INTERFACE
   # Fused multiply-add would make results depend on the machine.
   -ffp-contract=off)
 
+# For code that is compiled often and runs briefly. Only a plain debug build has all that a debugger
+# wants.
+set(QDLFLEX_UNOPTIMISED "$<IF:$<AND:$<CONFIG:Debug>,$<NOT:$<BOOL:${QDLFLEX_SANITIZE}>>>,,-O0;-g1>")
+
 if(QDLFLEX_SANITIZE)
   set(sanitizer_flags -fsanitize=${QDLFLEX_SANITIZE} -fno-sanitize-recover=all
                       -fno-omit-frame-pointer)
