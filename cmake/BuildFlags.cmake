@@ -13,7 +13,10 @@ target_compile_options(qdlflex_flags INTERFACE
 
 # For code that is compiled often and runs briefly. Only a plain debug build has all that a debugger
 # wants.
-set(QDLFLEX_UNOPTIMISED "$<IF:$<AND:$<CONFIG:Debug>,$<NOT:$<BOOL:${QDLFLEX_SANITIZE}>>>,,-O0;-g1>")
+set(QDLFLEX_UNOPTIMISED -O0 -g1)
+if(CMAKE_BUILD_TYPE STREQUAL Debug AND NOT QDLFLEX_SANITIZE)
+  set(QDLFLEX_UNOPTIMISED)
+endif()
 
 if(QDLFLEX_SANITIZE)
   set(sanitizer_flags -fsanitize=${QDLFLEX_SANITIZE} -fno-sanitize-recover=all
