@@ -21,9 +21,12 @@ fail() {
   exit 1
 }
 
-# build PRESET: configures and builds into build/PRESET. QDLFLEX_WERROR=ON makes warnings errors.
+# build PRESET [TARGET...]: configures and builds into build/PRESET, everything without a target.
+# QDLFLEX_WERROR=ON makes warnings errors.
 build() {
-  say "configure and build: preset $1, folder build/$1"
-  cmake --preset "$1" -DQDLFLEX_WERROR="${QDLFLEX_WERROR:-OFF}"
-  cmake --build --preset "$1" -j "$jobs"
+  local preset=$1
+  shift
+  say "configure and build: preset $preset, folder build/$preset"
+  cmake --preset "$preset" -DQDLFLEX_WERROR="${QDLFLEX_WERROR:-OFF}"
+  cmake --build --preset "$preset" -j "$jobs" ${1:+--target "$@"}
 }
