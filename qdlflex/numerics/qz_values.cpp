@@ -90,7 +90,7 @@ class Values {
   void find_pair(Index first);
   bool split_infinite(Index first);
   void split(Index first, const ScaledBlock &scaled, double eigenvalue);
-  void take_complex(Index first, const ScaledBlock &scaled, Complex mu);
+  bool take_complex(Index first, const ScaledBlock &scaled, Complex mu);
   void reflect_from_left(Index first, double x, double y);
   void reflect_from_right(Index first, double x, double y);
 
@@ -126,9 +126,10 @@ void Values::find_pair(Index first) {
     const ScaledBlock scaled = scaled_block(pencil_, first);
     const auto [middle, discriminant] = roots_of(scaled.block);
     const double root = std::sqrt(std::fabs(discriminant));
-    if (discriminant < 0.0)
-      return take_complex(first, scaled, {middle, -root});
-    split(first, scaled, middle + std::copysign(root, middle));
+    const bool complex = discriminant < 0.0;
+    if (complex && take_complex(first, scaled, {middle, -root}))
+      return;
+    split(first, scaled, complex ? middle : middle + std::copysign(root, middle));
   }
   pencil_.a(first + 1, first) = 0.0;
   pencil_.b(first + 1, first) = 0.0;
@@ -183,8 +184,9 @@ void Values::split(Index first, const ScaledBlock &scaled, double eigenvalue) {
 }
 
 /// The eigenvalues of a block that stays as it is: what its diagonals would be, were it made
-/// triangular by the rotations (cz, sz) from the right and (cq, sq) from the left.
-void Values::take_complex(Index first, const ScaledBlock &scaled, Complex mu) {
+/// triangular by the rotations (cz, sz) from the right and (cq, sq) from the left. False when an
+/// imaginary part is lost to rounding: no pair, but a real eigenvalue twice.
+bool Values::take_complex(Index first, const ScaledBlock &scaled, Complex mu) {
   const auto &[a11, a12, a21, a22, b11, b12, b22] = scaled.block;
   const Complex c11 = a11 - mu * b11;
   const Complex c12 = a12 - mu * b12;
@@ -214,6 +216,7 @@ void Values::take_complex(Index first, const ScaledBlock &scaled, Complex mu) {
   take(first + 1, first_is_positive ? ua : ta, first_is_positive ? ub : tb);
   alfi_[first] = std::fabs(alfi_[first]);
   alfi_[first + 1] = -std::fabs(alfi_[first + 1]);
+  return alfi_[first] != 0.0 && alfi_[first + 1] != 0.0;
 }
 
 }  // namespace

@@ -7,7 +7,6 @@
 #include <array>
 #include <cmath>
 #include <complex>
-#include <type_traits>
 
 #include "numerics/qz_pencil.h"
 #include "support/vector_clones.h"
@@ -64,8 +63,6 @@ QDLFLEX_VECTOR_CLONES void add_column(double *__restrict real_sums, double *__re
 template <class Scalar>
 class Substitution {
  public:
-  static constexpr bool kIsReal = std::is_same_v<Scalar, double>;
-
   Substitution(const Pencil &pencil, double b_tolerance, Scalar alpha, double beta, Index column)
       : pencil_(pencil), b_tolerance_(b_tolerance), alpha_(alpha), beta_(beta), column_(column) {}
 
@@ -169,8 +166,7 @@ void Substitution<Scalar>::solve() {
 
 template <class Scalar>
 void Substitution<Scalar>::solve_row(Index i) {
-  const Scalar w = coefficient(i, i);
-  set(i, quotient(-get(i), kIsReal ? nonzero(w) : w));
+  set(i, quotient(-get(i), nonzero(coefficient(i, i))));
 }
 
 template <>
@@ -178,7 +174,9 @@ void Substitution<double>::solve_block(Index i) {
   const double w = coefficient(i, i);
   const double x = coefficient(i, i + 1);
   const double y = beta_ * pencil_.a(i + 1, i);
-  const double v = coefficient(i + 1, i + 1);
+  // Both are zero where the eigenvalue is also one of the block, which rounding left whole.
+  double v = coefficient(i + 1, i + 1);
+  v = x == 0.0 ? nonzero(v) : v;
   const double r = get(i);
   const double s = get(i + 1);
   const double upper = (x * s - v * r) / nonzero(w * v - x * y);
