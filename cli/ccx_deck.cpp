@@ -10,7 +10,12 @@ namespace qdlflex::cli {
 namespace {
 
 constexpr int kDeepestInclude = 10;
-constexpr int64_t kMostSetNodes = 100'000'000;
+constexpr int kMostIncludes = 1000;
+
+// The nodes that short lines can ask for, in sets made of numbers or of other sets: some, and for
+// each node of the deck so many.
+constexpr size_t kSetNodes = 1'000'000;
+constexpr size_t kSetNodesPerNode = 32;
 
 /// A keyword line: "*NODE, NSET=All" is the card "*NODE" with the parameter NSET of value "ALL".
 struct Card {
@@ -90,6 +95,9 @@ class DeckReader {
     if (depth == kDeepestInclude) {
       lines.fail("files include one another too deeply");
     }
+    if (++include_count_ > kMostIncludes) {
+      lines.fail("too many files are included");
+    }
     const auto folder = std::filesystem::path(lines.path()).parent_path();
     const std::string path = (folder / name).string();
     if (!std::filesystem::is_regular_file(path)) {
@@ -141,15 +149,23 @@ class DeckReader {
     }
   }
 
-  static void generate(const LineReader &lines, const std::vector<std::string_view> &fields,
-                       std::vector<int32_t> &set) {
+  void count_set_nodes(const LineReader &lines, size_t count) {
+    set_node_count_ += count;
+    if (set_node_count_ > kSetNodes + kSetNodesPerNode * deck_.nodes.size()) {
+      lines.fail("the node sets are too large");
+    }
+  }
+
+  void generate(const LineReader &lines, const std::vector<std::string_view> &fields,
+                std::vector<int32_t> &set) {
     const int64_t first = lines.integer(fields[0]);
     const int64_t last = fields.size() > 1 ? lines.integer(fields[1]) : first;
     const int64_t step =
         fields.size() > 2 && !fields[2].empty() ? lines.integer(fields[2]) : int64_t{1};
-    if (step < 1 || last < first || (last - first) / step > kMostSetNodes) {
+    if (step < 1 || last < first) {
       lines.fail("these nodes cannot be generated");
     }
+    count_set_nodes(lines, static_cast<size_t>((last - first) / step) + 1);
     for (int64_t id = first; id <= last; id += step) {
       set.push_back(static_cast<int32_t>(id));
     }
@@ -160,11 +176,14 @@ class DeckReader {
     if (other == deck_.node_sets.end()) {
       lines.fail("there is no node set " + name + " above this line");
     }
+    count_set_nodes(lines, other->second.size());
     const std::vector<int32_t> ids = other->second;
     set.insert(set.end(), ids.begin(), ids.end());
   }
 
   CcxDeck &deck_;
+  int include_count_ = 0;
+  size_t set_node_count_ = 0;
   Card card_;
   std::string material_;
 };

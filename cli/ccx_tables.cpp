@@ -1,6 +1,7 @@
 #include "ccx_tables.h"
 
 #include <array>
+#include <cmath>
 #include <vector>
 
 #include "text_input.h"
@@ -157,6 +158,9 @@ std::unordered_map<int32_t, double> read_ccx_nodal_masses(const std::string &mat
   std::unordered_map<int32_t, double> masses;
   for (const auto &[node, sum] : sums) {
     masses[node] = sum.mass / sum.directions;
+    if (!std::isfinite(masses[node])) {
+      throw Failure(matrix_path + ": the mass of node " + std::to_string(node) + " is not finite");
+    }
   }
   return masses;
 }

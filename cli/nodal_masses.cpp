@@ -1,5 +1,7 @@
 #include "nodal_masses.h"
 
+#include <cmath>
+
 namespace qdlflex::cli {
 
 std::map<int32_t, double> densities_by_material(const FrdFile &results,
@@ -37,7 +39,11 @@ NodalMasses masses_of_elements(const FrdFile &results, const std::map<int32_t, d
       throw Failure(name + " has no positive volume");
     }
     for (size_t k = 0; k < count; ++k) {
-      masses[element.nodes[k]] += density->second * shares.volume * shares.share[k];
+      double &mass = masses[element.nodes[k]];
+      mass += density->second * shares.volume * shares.share[k];
+      if (!std::isfinite(mass)) {
+        throw Failure(name + " has no finite mass");
+      }
     }
   }
   return masses;

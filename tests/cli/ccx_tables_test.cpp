@@ -98,4 +98,6 @@ TEST_F(CcxTablesTest, SaysWhatIsWrongInTheMatrix) {
             matrix +
                 ": the mass of node 5 is not positive; is this the mass matrix that belongs to " +
                 rows + "?");
+  EXPECT_EQ(mass_failure("1 1 1e308\n1 2 1e308\n2 2 1e308\n", "5.1\n5.1\n"),
+            matrix + ": the mass of node 5 is not finite");
 }
