@@ -2,18 +2,15 @@
 // allow it, results are finite and solve what was asked.
 
 #include <algorithm>
-#include <array>
 #include <cmath>
-#include <complex>
 #include <vector>
 
+#include "support/eigen_pairs.h"
 #include "support/harness.h"
 
 using namespace qdlfuzz;
 
 namespace {
-
-using Complex = std::complex<double>;
 
 // Values that neither overflow nor vanish in products of a few.
 bool moderate(double value) {
@@ -38,100 +35,27 @@ double norm(const std::vector<double> &values) {
   return std::sqrt(sum);
 }
 
-// The generalized eigenproblem in column order, by the four stages.
-struct Problem {
-  std::int32_t n = 0, nm = 0;
-  std::vector<double> a, b;
-
-  std::size_t at(std::int32_t row, std::int32_t column) const {
-    return static_cast<std::size_t>(column * nm + row);
-  }
-};
-
-struct Solution {
-  std::vector<double> real, imaginary, beta, vectors;
-  std::int32_t failed = 0;
-};
-
-Solution solve(Problem problem, std::int32_t with_vectors) {
-  const auto n = static_cast<std::size_t>(problem.n);
-  Solution s{std::vector<double>(n), std::vector<double>(n), std::vector<double>(n),
-             std::vector<double>(problem.a.size()), 0};
-  double *const a = problem.a.data(), *const b = problem.b.data(), *const z = s.vectors.data();
-  const double eps = 0.0;
-  QDL_QZHESS(&problem.nm, &problem.n, a, b, &with_vectors, z);
-  QDL_QZITT(&problem.nm, &problem.n, a, b, &eps, &with_vectors, z, &s.failed);
-  QDL_QZVALL(&problem.nm, &problem.n, a, b, s.real.data(), s.imaginary.data(), s.beta.data(),
-             &with_vectors, z);
-  if (with_vectors != 0)
-    QDL_QZVECC(&problem.nm, &problem.n, a, b, s.real.data(), s.imaginary.data(), s.beta.data(), z);
-  return s;
-}
-
-// The size of (beta A - alpha B) x beside the sizes of the matrices. Where both alpha and beta are
-// as good as zero, any x will do.
-double residual(const Problem &p, Complex alpha, double beta, const std::vector<Complex> &x) {
-  double sum = 0.0;
-  for (std::int32_t row = 0; row < p.n; ++row) {
-    Complex value = 0.0;
-    for (std::int32_t column = 0; column < p.n; ++column)
-      value += (beta * p.a[p.at(row, column)] - alpha * p.b[p.at(row, column)]) *
-               x[static_cast<std::size_t>(column)];
-    sum += std::norm(value);
-  }
-  const double a = norm(p.a), b = norm(p.b);
-  const double scale = beta * a + std::abs(alpha) * b + a * b;
-  return scale > 0.0 ? std::sqrt(sum) / scale : 0.0;
-}
-
-// Whether an eigenvalue is as good as infinite, or any number at all. Vectors of such pencils can
-// be inaccurate, those of 0 / 0 not even finite.
-bool is_singular(const Problem &p, const Solution &s) {
-  const double tiny = 1e-10 * norm(p.b);
-  return std::ranges::any_of(s.beta, [&](double beta) { return beta <= tiny; });
-}
-
-void require_pairs(const Problem &p, const Solution &s) {
-  for (std::int32_t j = 0; j < p.n; ++j) {
-    const auto k = static_cast<std::size_t>(j);
-    const bool complex = s.imaginary[k] != 0.0;
-    std::vector<Complex> x;
-    for (std::int32_t row = 0; row < p.n; ++row)
-      x.emplace_back(s.vectors[p.at(row, j)], complex ? s.vectors[p.at(row, j + 1)] : 0.0);
-    const double largest = std::abs(*std::ranges::max_element(
-        x, {}, [](const Complex &component) { return std::abs(component); }));
-    require(std::abs(largest - 1.0) < 1e-12, "an eigenvector is not scaled to 1");
-    require(residual(p, {s.real[k], s.imaginary[k]}, s.beta[k], x) < 1e-11,
-            "an eigenvector leaves a residual");
-    j += complex ? 1 : 0;
-  }
-}
-
 void try_eigen_solver(Bytes &in) {
-  Problem problem;
-  problem.n = in.small(0, 6);
-  problem.nm = problem.n + in.small(0, 2);
-  const auto values = static_cast<std::size_t>(problem.nm * problem.nm);
-  problem.a = matrix(in, values);
-  problem.b = matrix(in, values);
-  const Solution solution = solve(problem, 1);
-  const Solution alone = solve(problem, 0);
-  if (!std::ranges::all_of(problem.a, moderate) || !std::ranges::all_of(problem.b, moderate) ||
-      solution.failed != 0)
+  Pencil pencil;
+  pencil.n = in.small(0, 6);
+  pencil.nm = pencil.n + in.small(0, 2);
+  const auto values = static_cast<std::size_t>(pencil.nm * pencil.nm);
+  pencil.a = matrix(in, values);
+  pencil.b = matrix(in, values);
+  const EigenPairs pairs = solve(pencil, true);
+  const EigenPairs alone = solve(pencil, false);
+  if (!std::ranges::all_of(pencil.a, moderate) || !std::ranges::all_of(pencil.b, moderate) ||
+      pairs.failed != 0)
     return;
   require(alone.failed == 0, "without eigenvectors there are no eigenvalues");
-  for (const auto *values_of : {&solution.real, &solution.imaginary, &solution.beta})
+  for (const auto *values_of : {&pairs.real, &pairs.imaginary, &pairs.beta})
     require(all_finite(*values_of), "an eigenvalue is not finite");
-  require(std::ranges::all_of(solution.beta, [](double beta) { return beta >= 0.0; }),
+  require(std::ranges::all_of(pairs.beta, [](double beta) { return beta >= 0.0; }),
           "a denominator is negative");
-  for (std::int32_t j = 0; j < problem.n; ++j) {
-    const auto k = static_cast<std::size_t>(j);
-    require(solution.real[k] == alone.real[k] && solution.imaginary[k] == alone.imaginary[k] &&
-                solution.beta[k] == alone.beta[k],
-            "eigenvectors change eigenvalues");
-  }
-  if (!is_singular(problem, solution))
-    require_pairs(problem, solution);
+  require(
+      pairs.real == alone.real && pairs.imaginary == alone.imaginary && pairs.beta == alone.beta,
+      "eigenvectors change eigenvalues");
+  require_pairs(pencil, pairs);
 }
 
 // Row pointers into a copy of a matrix, as the LU functions want them.
