@@ -81,7 +81,8 @@ class Replacement {
       return;
     }
     std::error_code error;
-    std::filesystem::permissions(written_, std::filesystem::status(replaced_).permissions(), error);
+    std::filesystem::permissions(written_, std::filesystem::status(replaced_, error).permissions(),
+                                 error);
     std::filesystem::rename(written_, replaced_, error);
     if (error) {
       discard();
@@ -89,9 +90,12 @@ class Replacement {
     }
   }
 
+  /// Devices, pipes and links stay.
   void discard() const {
     std::error_code ignored;
-    std::filesystem::remove(written_, ignored);
+    if (std::filesystem::is_regular_file(written_, ignored)) {
+      std::filesystem::remove(std::filesystem::canonical(written_, ignored), ignored);
+    }
   }
 
  private:
@@ -140,7 +144,7 @@ void write_record(QDL_Record *record, const std::string &path, const std::string
     if (accept) {
       accept(replacement.path());
     }
-  } catch (const Failure &) {
+  } catch (...) {
     replacement.discard();
     throw;
   }

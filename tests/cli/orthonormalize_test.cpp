@@ -110,6 +110,10 @@ TEST_F(OrthonormalizeCommand, RefusesWhatItCannotDo) {
   EXPECT_EQ(run("--lowpass 0.5").exit_code, 1);
   EXPECT_EQ(read_text(output_), read_text(input_)) << "the file that was there is gone";
   std::filesystem::remove(output_);
+  std::filesystem::create_symlink("/dev/null", output_);
+  EXPECT_EQ(run("").exit_code, 1);
+  EXPECT_TRUE(std::filesystem::is_symlink(output_)) << "took away what is no file";
+  std::filesystem::remove(output_);
   EXPECT_EQ(run("--lowpass nan").exit_code, 2);
   const CommandResult onto_itself = run_qdlflex("orthonormalize " + input_ + " -o " + input_);
   EXPECT_EQ(onto_itself.exit_code, 1);
