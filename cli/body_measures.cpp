@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <numeric>
 #include <utility>
 
 namespace qdlflex::cli {
@@ -67,6 +68,21 @@ Vector3 axis_of_difference(std::span<const double, 9> matrix) {
   return {matrix[7] - matrix[5], matrix[2] - matrix[6], matrix[3] - matrix[1]};
 }
 
+double dot(const double *a, const double *b, size_t count) {
+  // Several sums at a time do not wait for one another.
+  std::array<double, 8> sums{};
+  size_t k = 0;
+  for (; k + 8 <= count; k += 8) {
+    for (size_t lane = 0; lane < 8; ++lane) {
+      sums[lane] += a[k + lane] * b[k + lane];
+    }
+  }
+  for (; k < count; ++k) {
+    sums[0] += a[k] * b[k];
+  }
+  return std::accumulate(sums.begin(), sums.end(), 0.0);
+}
+
 double larger(double most, double value) {
   const double size = std::fabs(value);
   return std::isnan(most) || size <= most ? most : size;
@@ -76,8 +92,9 @@ std::array<double, 2> diagonal_range(const std::vector<double> &matrix, size_t o
   double least = std::numeric_limits<double>::infinity();
   double most = 0.0;
   for (size_t i = 0; i < order; ++i) {
-    least = std::min(least, matrix[i * order + i]);
-    most = larger(most, matrix[i * order + i]);
+    const double value = matrix[i * order + i];
+    least = std::isnan(least) || value >= least ? least : value;
+    most = larger(most, value);
   }
   return {least, most};
 }

@@ -11,6 +11,7 @@ using Vector3 = std::array<double, 3>;
 using Matrix3 = std::array<double, 9>;
 
 Vector3 cross(const Vector3 &a, const Vector3 &b);
+double dot(const double *a, const double *b, size_t count);
 
 /// An inertia tensor about the centre of mass from that about the origin.
 Matrix3 inertia_about(const Vector3 &centre, double mass, const Matrix3 &inertia_about_origin);
@@ -24,7 +25,8 @@ Vector3 axis_of_difference(std::span<const double, 9> matrix);
 /// The larger of two magnitudes. Not a number is larger than everything.
 double larger(double most, double value);
 
-/// The smallest value on the diagonal of a square matrix and the largest magnitude there.
+/// The smallest value on the diagonal of a square matrix and the largest magnitude there; not
+/// numbers if one of them is none.
 std::array<double, 2> diagonal_range(const std::vector<double> &matrix, size_t order);
 
 /// The largest entry off the diagonal relative to the larger of the two on it, which counts as

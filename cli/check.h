@@ -52,7 +52,7 @@ void print_json(const CheckReport &report);
 // The checks and what they share follow.
 
 /// What the nodes have of the body's mass.
-enum class NodalMasses {
+enum class MassOfNodes {
   kNone,
   kWhole,
   kPart,           // inner nodes were discarded with their masses
@@ -62,6 +62,11 @@ enum class NodalMasses {
 /// Coupling of this size in generalized matrices changes frequencies by its square: the modes count
 /// as orthogonal.
 constexpr double kUncoupled = 1e-4;
+
+// Blocks that several checks ask for, by their numbers in the format.
+constexpr int32_t kMassBlock = 9;
+constexpr int32_t kInertiaBlock = 10;
+constexpr int32_t kFaceBlock = 14;
 
 /// What several checks need.
 struct Body {
@@ -75,7 +80,7 @@ struct Body {
   Matrix3 inertia{};  // about the centre
   double mass_of_nodes = 0.0;
   int32_t negative_masses = 0;
-  NodalMasses nodal_masses = NodalMasses::kNone;
+  MassOfNodes nodal_masses = MassOfNodes::kNone;
 
   std::vector<double> generalized_mass;  // M x M; empty if unknown
 

@@ -13,9 +13,7 @@ namespace {
 
 // Blocks by number.
 constexpr int32_t kGlobalProperties = 6;
-constexpr int32_t kMasses = 9;
 constexpr int32_t kUnits = 11;
-constexpr int32_t kFaces = 14;
 constexpr int32_t kInvariant1 = 19;
 
 // Units whose factors differ by less than this are the same for the library.
@@ -28,7 +26,7 @@ constexpr double kNearMass = 0.01;
 constexpr double kInertiaRounding = 1e-5;
 
 bool geometry_uses_every_node(QDL_Record *record) {
-  if (!has_block(record, kFaces)) {
+  if (!has_block(record, kFaceBlock)) {
     return false;
   }
   int32_t count = 0;
@@ -43,7 +41,7 @@ void read_mass(Body &body) {
     body.mass_of_nodes += mass;
     body.negative_masses += mass < 0.0 ? 1 : 0;
   }
-  body.has_mass = has_block(record, kMasses) || has_block(record, kGlobalProperties) ||
+  body.has_mass = has_block(record, kMassBlock) || has_block(record, kGlobalProperties) ||
                   has_block(record, kInvariant1);
   if (!body.has_mass) {
     return;
@@ -58,16 +56,16 @@ void read_mass(Body &body) {
   body.inertia = inertia_about(body.centre, body.mass, body.inertia);
 }
 
-NodalMasses compare_masses(const Body &body) {
-  if (!has_block(body.record, kMasses) || body.mass_of_nodes == 0.0) {
-    return NodalMasses::kNone;
+MassOfNodes compare_masses(const Body &body) {
+  if (!has_block(body.record, kMassBlock) || body.mass_of_nodes == 0.0) {
+    return MassOfNodes::kNone;
   }
   const double missing = body.mass - body.mass_of_nodes;
   if (std::fabs(missing) <= kSameMass * std::fabs(body.mass)) {
-    return NodalMasses::kWhole;
+    return MassOfNodes::kWhole;
   }
-  return missing > 0.0 && geometry_uses_every_node(body.record) ? NodalMasses::kPart
-                                                                : NodalMasses::kContradictory;
+  return missing > 0.0 && geometry_uses_every_node(body.record) ? MassOfNodes::kPart
+                                                                : MassOfNodes::kContradictory;
 }
 
 template <class Get>
@@ -243,7 +241,7 @@ Check check_mass_properties(const Body &body) {
 }
 
 Check check_nodal_masses(const Body &body) {
-  if (body.nodal_masses == NodalMasses::kNone) {
+  if (body.nodal_masses == MassOfNodes::kNone) {
     return {"nodal_masses",
             Verdict::kNotApplicable,
             {},
@@ -255,7 +253,7 @@ Check check_nodal_masses(const Body &body) {
       Verdict::kOk,
       {{"sum", body.mass_of_nodes}, {"share_of_mass", share}, {"negative", body.negative_masses}},
       "The masses of the nodes add up to the mass of the body."};
-  if (body.nodal_masses == NodalMasses::kContradictory) {
+  if (body.nodal_masses == MassOfNodes::kContradictory) {
     check.verdict = judge(std::fabs(share - 1.0), 0.0, kNearMass);
     check.advice =
         "The masses of the nodes do not add up to the mass of the body. Find out which "
@@ -265,7 +263,7 @@ Check check_nodal_masses(const Body &body) {
     check.advice =
         "Some nodes have negative masses, as row sums of second-order elements give "
         "them. Use masses from diagonal scaling.";
-  } else if (body.nodal_masses == NodalMasses::kPart) {
+  } else if (body.nodal_masses == MassOfNodes::kPart) {
     check.advice =
         "The nodes have a part of the mass, as when inner nodes were discarded. The "
         "rest is in the invariants.";

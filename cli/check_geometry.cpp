@@ -9,9 +9,6 @@ namespace qdlflex::cli {
 
 namespace {
 
-constexpr int32_t kMasses = 9;
-constexpr int32_t kFaces = 14;
-
 // Helper nodes of solvers remain unused now and then; with most nodes unused a block is missing.
 constexpr double kFewUnused = 0.5;
 
@@ -44,7 +41,7 @@ std::vector<int32_t> interface_nodes(QDL_Record *record) {
 Check check_node_references(const Body &body) {
   QDL_Record *const record = body.record;
   const int32_t nodes = QDL_NodeCount(record);
-  if (nodes == 0 || (!has_block(record, kFaces) && !has_block(record, kMasses))) {
+  if (nodes == 0 || (!has_block(record, kFaceBlock) && !has_block(record, kMassBlock))) {
     return {"node_references",
             Verdict::kNotApplicable,
             {},
@@ -85,7 +82,7 @@ Check check_interface_nodes(const Body &body, const ModeScan &scan) {
             {},
             "There are no interface nodes: joints and forces find no marked place."};
   }
-  const bool faces = has_block(record, kFaces);
+  const bool faces = has_block(record, kFaceBlock);
   const NodeFlags surface =
       faces ? nodes_of(read_outer_faces(record), record) : NodeFlags(scan.node_moves.size(), true);
   const bool shapes = QDL_ModeExist(record, QDL_MODE_SHAPE) != 0;

@@ -12,7 +12,6 @@ namespace qdlflex::cli {
 
 namespace {
 
-constexpr int32_t kInertias = 10;
 constexpr std::array<int, 8> kNumbers = {1, 2, 3, 4, 5, 7, 8, 9};
 constexpr int32_t kFirstBlock = 19;
 
@@ -121,7 +120,7 @@ Check check_invariants(const Body &body) {
   QDL_Record *const record = body.record;
   Check check{"invariants", Verdict::kNotApplicable, {}, {}};
   const bool nodes =
-      body.nodal_masses == NodalMasses::kWhole || body.nodal_masses == NodalMasses::kContradictory;
+      body.nodal_masses == MassOfNodes::kWhole || body.nodal_masses == MassOfNodes::kContradictory;
   const bool shapes = QDL_ModeExist(record, QDL_MODE_SHAPE) != 0;
   double worst = 0.0;
   const auto note = [&](int number, double difference) {
@@ -137,7 +136,7 @@ Check check_invariants(const Body &body) {
         note(number, difference_from_nodes(body, recomputed.get(), number));
       }
     }
-  } else if (!has_block(record, kInertias)) {
+  } else if (!has_block(record, kInertiaBlock)) {
     for (const auto &[vectors, matrices] : {std::pair{4, 8}, std::pair{5, 9}}) {
       if (holds_invariant(record, vectors) && holds_invariant(record, matrices)) {
         note(vectors, difference_from_matrices(body, vectors, matrices));

@@ -13,7 +13,6 @@ namespace qdlflex::cli {
 
 namespace {
 
-constexpr int32_t kInertias = 10;
 constexpr int32_t kInvariant9 = 26;
 
 // A symmetric matrix is written twice from one value, or rounded to single precision.
@@ -107,7 +106,7 @@ class DeviationFinder {
     const double before = larger(found_.diagonal, found_.off_diagonal);
     double &most = i == k ? found_.diagonal : found_.off_diagonal;
     most = larger(most, deviation);
-    if (most != before && larger(before, most) == most) {
+    if (!std::isnan(before) && !(most <= before)) {
       found_.mode = body_.modes[i];
       found_.other_mode = body_.modes[k];
     }
@@ -153,7 +152,7 @@ Check check_matrix_symmetry(const Body &body) {
   }
   if (numbers.empty()) {
     return {"matrix_symmetry", Verdict::kNotApplicable, numbers,
-            "The file has a table of eigenvalues instead of generalized matrices."};
+            "The file has no generalized matrices."};
   }
   numbers.push_back({"stray_entries", worst.stray});
   Check check{"matrix_symmetry", Verdict::kOk, numbers,
@@ -203,7 +202,7 @@ Check check_matrix_diagonals(const Body &body) {
     check.advice =
         "An entry of the generalized mass exceeds both on the diagonal: the matrix is "
         "not that of moving masses. Make the file again.";
-  } else if (!(std::max(mass_coupling, stiffness_coupling) <= kUncoupled)) {
+  } else if (!(larger(mass_coupling, stiffness_coupling) <= kUncoupled)) {
     check.verdict = Verdict::kDoubtful;
     check.advice =
         "The modes are coupled. Run \"qdlflex orthonormalize\" for programs that read "
@@ -211,16 +210,16 @@ Check check_matrix_diagonals(const Body &body) {
   } else if (!(least_stiffness >= -kRigidStiffness * most_stiffness)) {
     check.verdict = Verdict::kDoubtful;
     check.advice =
-        "A generalized stiffness is negative: the mode grows by itself. Look for "
-        "preload, missing supports or a wrong sign.";
+        "A generalized stiffness is negative, so that the mode grows by itself, or not a "
+        "number. Look for preload, missing supports or a wrong sign.";
   }
   return check;
 }
 
 Check check_mode_products(const Body &body) {
   Check check{"mode_products", Verdict::kNotApplicable, {}, {}};
-  const bool rotary = has_block(body.record, kInertias);
-  const bool nodes = body.nodal_masses == NodalMasses::kWhole;
+  const bool rotary = has_block(body.record, kInertiaBlock);
+  const bool nodes = body.nodal_masses == MassOfNodes::kWhole;
   const bool shapes = QDL_ModeExist(body.record, QDL_MODE_SHAPE) != 0;
   if (body.modes.empty() || (nodes && !shapes)) {
     check.advice = "There are no mode shapes.";

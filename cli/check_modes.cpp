@@ -95,7 +95,7 @@ std::vector<ModeMomenta> read_momenta(const Body &body) {
 
 bool has_momenta(const Body &body) {
   const bool nodes =
-      body.nodal_masses == NodalMasses::kWhole && QDL_ModeExist(body.record, QDL_MODE_SHAPE) != 0;
+      body.nodal_masses == MassOfNodes::kWhole && QDL_ModeExist(body.record, QDL_MODE_SHAPE) != 0;
   return nodes || (has_block(body.record, kInvariant3) && has_block(body.record, kInvariant4));
 }
 
@@ -106,6 +106,8 @@ Check check_rigid_modes(const Body &body) {
   const size_t rigid = rigid_modes(body);
   double highest_rigid = 0.0;
   double lowest_elastic = std::numeric_limits<double>::infinity();
+  double highest = 0.0;
+  bool ascending = true;
   for (size_t k = 0; k < body.modes.size(); ++k) {
     const auto frequency = frequency_of(body, k);
     if (!frequency) {
@@ -114,13 +116,15 @@ Check check_rigid_modes(const Body &body) {
     }
     k < rigid ? highest_rigid = larger(highest_rigid, *frequency)
               : lowest_elastic = std::min(lowest_elastic, *frequency);
+    ascending = ascending && (k < rigid || !(kClearGap * std::fabs(*frequency) < highest));
+    highest = larger(highest, *frequency);
   }
   if (body.modes.empty()) {
     check.advice = "There are no modes.";
     return check;
   }
   check.numbers = {{"count", static_cast<int64_t>(rigid)}};
-  if (rigid == 0) {
+  if (rigid == 0 && ascending) {
     check.numbers.push_back({"lowest_elastic_frequency", lowest_elastic});
     check.advice = "There are no rigid modes: the body is held, or they were left out.";
     return check;
@@ -133,7 +137,12 @@ Check check_rigid_modes(const Body &body) {
   }
   check.verdict = Verdict::kOk;
   check.advice = "All six rigid modes are there, well below the elastic ones.";
-  if (rigid < kAxes) {
+  if (!ascending) {
+    check.verdict = Verdict::kDoubtful;
+    check.advice =
+        "A mode lies far below one before it, but rigid modes count only where they come first. "
+        "Run \"qdlflex orthonormalize\", which sorts the modes.";
+  } else if (rigid < kAxes) {
     check.verdict = Verdict::kDoubtful;
     check.advice = "A free body has six rigid modes. Look for supports or for missing modes.";
   } else if (!(gap >= kClearGap)) {
@@ -149,7 +158,7 @@ Check check_rigid_motion(const Body &body) {
   Check check{"rigid_motion", Verdict::kNotApplicable, {}, {}};
   const size_t rigid = rigid_modes(body);
   if (rigid == 0 || QDL_ModeExist(body.record, QDL_MODE_SHAPE) == 0) {
-    check.advice = "There are no rigid modes.";
+    check.advice = rigid == 0 ? "There are no rigid modes." : "There are no mode shapes.";
     return check;
   }
   const bool masses = body.mass_of_nodes > 0.0 && body.negative_masses == 0;
@@ -189,6 +198,10 @@ Check check_effective_masses(const Body &body, std::vector<ModeShares> &modes) {
   if (body.generalized_mass.empty() ||
       !(coupling(body.generalized_mass, body.modes.size(), 0.0) <= kUncoupled)) {
     check.advice = "Effective masses need orthogonal modes. Run \"qdlflex orthonormalize\" first.";
+    return check;
+  }
+  if (!(diagonal_range(body.generalized_mass, body.modes.size())[0] > 0.0)) {
+    check.advice = "Effective masses need positive generalized masses. See matrix_diagonals.";
     return check;
   }
   const EffectiveMasses found = effective_masses(body.mass, body.inertia, read_momenta(body));

@@ -6,6 +6,7 @@
 #include <memory>
 #include <utility>
 
+#include "body_measures.h"
 #include "body_pair.h"
 #include "mode_pairs.h"
 #include "text_input.h"

@@ -1,9 +1,9 @@
 #include "mode_pairs.h"
 
-#include <array>
 #include <numeric>
 #include <span>
 
+#include "body_measures.h"
 #include "mode_fields.h"
 
 namespace qdlflex::cli {
@@ -225,21 +225,6 @@ std::vector<double> half_mode_at(QDL_Record *record, int32_t mode_index, int32_t
 double modal_assurance(double ab, double aa, double bb) {
   // Each factor by itself, as squares of large values have no number.
   return (ab / aa) * (ab / bb);
-}
-
-double dot(const double *a, const double *b, size_t count) {
-  // Several sums at a time do not wait for one another.
-  std::array<double, 8> sums{};
-  size_t k = 0;
-  for (; k + 8 <= count; k += 8) {
-    for (size_t lane = 0; lane < 8; ++lane) {
-      sums[lane] += a[k + lane] * b[k + lane];
-    }
-  }
-  for (; k < count; ++k) {
-    sums[0] += a[k] * b[k];
-  }
-  return std::accumulate(sums.begin(), sums.end(), 0.0);
 }
 
 std::vector<ModePair> pair_modes(const BodyPair &bodies) {

@@ -23,8 +23,6 @@ std::vector<double> half_mode_at(QDL_Record *record, int32_t mode_index, int32_t
 /// one is zero.
 double modal_assurance(double ab, double aa, double bb);
 
-double dot(const double *a, const double *b, size_t count);
-
 /// Pairs the modes whose translations are most alike, in the order of A. Modes without translations
 /// are paired by their numbers.
 std::vector<ModePair> pair_modes(const BodyPair &bodies);

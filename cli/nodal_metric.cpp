@@ -7,25 +7,6 @@
 
 namespace qdlflex::cli {
 
-namespace {
-
-/// Four sums at a time, so that an addition need not wait for the one before it.
-double dot(const std::vector<double> &a, const std::vector<double> &b) {
-  std::array<double, 4> sums{};
-  size_t i = 0;
-  for (; i + 4 <= a.size(); i += 4) {
-    for (size_t k = 0; k < 4; ++k) {
-      sums[k] += a[i + k] * b[i + k];
-    }
-  }
-  for (; i < a.size(); ++i) {
-    sums[0] += a[i] * b[i];
-  }
-  return (sums[0] + sums[1]) + (sums[2] + sums[3]);
-}
-
-}  // namespace
-
 NodalMetric::NodalMetric(QDL_Record *record, Weights weights) : record_(record) {
   const int32_t count = std::min(QDL_NodeCount(record), QDL_ModeNodeCount(record, QDL_MODE_SHAPE));
   for (int32_t index = 0; index < count; ++index) {
@@ -109,7 +90,7 @@ void for_each_product(const NodalMetric &metric, size_t count,
         held.push_back(std::move(motion));
       }
       for (size_t i = 0; i < held.size(); ++i) {
-        visit(first + i, k, dot(held[i], weighed));
+        visit(first + i, k, dot(held[i].data(), weighed.data(), weighed.size()));
       }
     }
   }

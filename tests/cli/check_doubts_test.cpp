@@ -66,6 +66,8 @@ TEST_F(CheckTest, DoubtsMatrices) {
   expect_verdict("indefinite mass", mass(1.5), "matrix_diagonals", "failed");
   expect_verdict("no mass", with([](Jack &jack) { jack.generalized_mass[8] = -1.0; }),
                  "matrix_diagonals", "failed");
+  expect_verdict("mass that is no number", with([](Jack &jack) { jack.generalized_mass[7] = NAN; }),
+                 "matrix_diagonals", "failed");
   expect_verdict("unstable", with([](Jack &jack) { jack.frequency[7] = -20.0; }),
                  "matrix_diagonals", "doubtful");
   // The square of the scale is by how much the products are off.
@@ -84,6 +86,10 @@ TEST_F(CheckTest, DoubtsRigidModes) {
                  "rigid_modes", "doubtful");
   expect_verdict("no gap", with([](Jack &jack) { jack.frequency[0] = -5.0; }), "rigid_modes",
                  "doubtful");
+  // Five of the first six are rigid, the sixth of them is not.
+  const Jack unsorted = with([](Jack &jack) { std::swap(jack.frequency[0], jack.frequency[6]); });
+  expect_verdict("first elastic, then rigid", unsorted, "rigid_modes", "doubtful");
+  EXPECT_NE(run(unsorted).output.find("which sorts the modes"), std::string::npos);
   const auto bent = [](double by) {
     return changed([=](QDL_Record *record) {
       QDL_SetModeEntry(record, 1, 1, QDL_MODE_SHAPE, 0, 1.0 / std::sqrt(3.0) + by);
