@@ -12,15 +12,25 @@ namespace {
 
 /// Takes over an array of the library.
 std::vector<double> owned(double *array, int32_t count) {
-  std::vector<double> values(array, array + count);
-  QDL_FreeMemory(array);
-  return values;
+  const LibraryArray<double> owner(array);
+  return {array, array + count};
 }
 
+struct Load {
+  std::vector<double> values;
+  bool on_axes;
+};
+
 /// Loads on the axes of rigid motion begin with six values that belong to no modes.
-void compare_load(BlockDifference &block, const BodyPair &bodies, const std::vector<double> &a,
-                  const std::vector<double> &b, bool on_axes, const std::string &name) {
-  if (!on_axes) {
+void compare_load(BlockDifference &block, const BodyPair &bodies, const Load &of_a,
+                  const Load &of_b, const std::string &name) {
+  block.both(of_a.on_axes, of_b.on_axes, name + " on principal axes");
+  if (of_a.on_axes != of_b.on_axes) {
+    return;
+  }
+  const std::vector<double> &a = of_a.values;
+  const std::vector<double> &b = of_b.values;
+  if (!of_a.on_axes) {
     compare_modal_rows(block, bodies, a, b, 1, name);
     return;
   }
@@ -43,15 +53,12 @@ void compare_load(BlockDifference &block, const BodyPair &bodies, const std::vec
 BlockDifference compare_preload(const BodyPair &bodies) {
   BlockDifference block = bodies.block("modal preload");
   if (block.both(QDL_ModalPreloadExist(bodies.a) != 0, QDL_ModalPreloadExist(bodies.b) != 0)) {
-    block.compare_counts("on principal axes", QDL_ModalPreloadProcessed(bodies.a),
-                         QDL_ModalPreloadProcessed(bodies.b));
     const auto read = [](QDL_Record *record) {
       int32_t count = 0;
       double *const values = QDL_GetModalPreload(record, &count);
-      return owned(values, count);
+      return Load{owned(values, count), QDL_ModalPreloadProcessed(record) != 0};
     };
-    compare_load(block, bodies, read(bodies.a), read(bodies.b),
-                 QDL_ModalPreloadProcessed(bodies.a) != 0, "preload");
+    compare_load(block, bodies, read(bodies.a), read(bodies.b), "preload");
   }
   return block;
 }
@@ -70,15 +77,12 @@ BlockDifference compare_modal_loads(const BodyPair &bodies) {
   for (int32_t load_case = 0; load_case < std::min(cases_a, cases_b); ++load_case) {
     const std::string name = "load case " + std::to_string(load_case + 1);
     block.compare_texts(name, label_of(bodies.a, load_case), label_of(bodies.b, load_case));
-    block.compare_counts(name + " on principal axes", QDL_ModalLoadProcessed(bodies.a, load_case),
-                         QDL_ModalLoadProcessed(bodies.b, load_case));
     const auto read = [load_case](QDL_Record *record) {
       int32_t count = 0;
       double *const values = QDL_GetModalLoad(record, load_case, &count);
-      return owned(values, count);
+      return Load{owned(values, count), QDL_ModalLoadProcessed(record, load_case) != 0};
     };
-    compare_load(block, bodies, read(bodies.a), read(bodies.b),
-                 QDL_ModalLoadProcessed(bodies.a, load_case) != 0, name);
+    compare_load(block, bodies, read(bodies.a), read(bodies.b), name);
   }
   return block;
 }

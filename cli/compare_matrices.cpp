@@ -1,11 +1,9 @@
 // Generalized matrices, the mode shape transformation and inertia invariants of two bodies. Values
 // of modes are compared pair by pair of modes, those of B divided by the factors of the pairs.
 
-#include <memory>
-
 #include "body_pair.h"
+#include "invariant_slices.h"
 #include "modal_matrix.h"
-#include "text_input.h"
 
 namespace qdlflex::cli {
 
@@ -84,30 +82,11 @@ std::string name_of(int number) {
   return "invariant " + std::to_string(number);
 }
 
-struct FreeArray {
-  void operator()(double *array) const { QDL_FreeMemory(array); }
-};
-using Array = std::unique_ptr<double[], FreeArray>;
-
-Array required(double *array, int number) {
-  if (array == nullptr) {
-    throw Failure(name_of(number) + " cannot be had");
-  }
-  return Array(array);
-}
-
 /// Invariants 1, 2 and 7, those of the undeformed body.
 BlockDifference compare_rigid_invariant(const BodyPair &bodies, int number) {
   BlockDifference block = bodies.block(name_of(number));
-  const auto read = [number](QDL_Record *record) -> std::vector<double> {
-    if (number == 1) {
-      return {QDL_Invar1(record)};
-    }
-    const Array array = required(number == 2 ? QDL_Invar2(record) : QDL_Invar7(record), number);
-    return {array.get(), array.get() + (number == 2 ? 3 : 9)};
-  };
-  const std::vector<double> a = read(bodies.a);
-  const std::vector<double> b = read(bodies.b);
+  const std::vector<double> a = read_invariant_slice(bodies.a, number, 0);
+  const std::vector<double> b = read_invariant_slice(bodies.b, number, 0);
   // A moment about the origin is as small as it likes.
   const double scale = number == 2 ? std::abs(QDL_Invar1(bodies.a)) * bodies.size : 0.0;
   for (size_t k = 0; k < a.size(); ++k) {
@@ -129,27 +108,23 @@ constexpr ModalInvariant kModalInvariants[] = {
 
 /// All modes of one row, mode after mode: row 0, or that of the first mode of pairs.
 std::vector<double> read_row(QDL_Record *record, const ModalInvariant &invariant, int32_t row) {
-  const size_t modes = mode_count(record);
-  const size_t components = invariant.components;
-  std::vector<double> values(modes * components);
-  if (components == 3) {
-    const Array array = required(invariant.number == 3   ? QDL_Invar3(record)
-                                 : invariant.number == 4 ? QDL_Invar4(record)
-                                                         : QDL_Invar5(record, row),
-                                 invariant.number);
-    for (size_t k = 0; k < values.size(); ++k) {
-      values[k] = array[(k % 3) * modes + k / 3];
+  std::vector<double> values;
+  if (invariant.number == 8) {
+    for (int32_t mode = 0; mode < QDL_ModeCount(record); ++mode) {
+      const std::vector<double> matrix = read_invariant_slice(record, 8, mode);
+      values.insert(values.end(), matrix.begin(), matrix.end());
     }
     return values;
   }
-  for (size_t mode = 0; mode < modes; ++mode) {
-    const auto index = static_cast<int32_t>(mode);
-    const Array array =
-        required(invariant.of_pairs ? QDL_Invar9(record, row, index) : QDL_Invar8(record, index),
-                 invariant.number);
-    std::copy_n(array.get(), components, values.begin() + static_cast<ptrdiff_t>(9 * mode));
+  values = read_invariant_slice(record, invariant.number, row);
+  if (invariant.components == 9) {
+    return values;
   }
-  return values;
+  std::vector<double> by_mode(values.size());
+  for (size_t k = 0; k < values.size(); ++k) {
+    by_mode[k] = values[(k % 3) * mode_count(record) + k / 3];
+  }
+  return by_mode;
 }
 
 double largest_of_invariant(QDL_Record *record, const ModalInvariant &invariant) {

@@ -27,13 +27,12 @@ void add_diff_command(CLI::App &app, Job &job, int &exit_code) {
   command->add_option("b", options->b, "QDL file")->type_name("B")->required();
   command->add_option("--tolerance", options->tolerance, "Largest relative difference allowed")
       ->type_name("T")
-      ->check(CLI::NonNegativeNumber)
       ->capture_default_str();
   command->add_flag("--json", options->json, "Print JSON instead of text");
   command->add_flag("-v,--verbose", options->verbose, "Show the library's information lines");
   command->callback([options, &job, &exit_code] {
-    if (!std::isfinite(options->tolerance)) {
-      throw CLI::ValidationError("--tolerance", "not a number");
+    if (!(options->tolerance >= 0.0) || !std::isfinite(options->tolerance)) {
+      throw CLI::ValidationError("--tolerance", "must be 0 or a positive number");
     }
     job = [options, &exit_code] {
       install_message_handlers(options->verbose);
