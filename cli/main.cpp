@@ -42,7 +42,9 @@ int run(int argc, char **argv) {
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError &error) {
-    return app.exit(error) == 0 ? kExitDone : kExitUsage;
+    const int code = app.exit(error);
+    finish_output();
+    return code == 0 ? kExitDone : kExitUsage;
   }
   job();
   finish_output();
