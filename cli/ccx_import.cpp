@@ -242,7 +242,11 @@ void set_interface_nodes(QDL_Record *record, const CcxDeck &deck, const CcxImpor
   }
   size_t missing = 0;
   for (const int32_t node : set->second) {
-    missing += QDL_SetInterfaceNode(record, node) == 0 ? 1 : 0;
+    if (QDL_NodeIndex(record, node) < 0) {
+      ++missing;
+    } else {
+      require(QDL_SetInterfaceNode(record, node), "interface node " + std::to_string(node));
+    }
   }
   if (missing > 0) {
     print_warning(std::to_string(missing) + " of " + std::to_string(set->second.size()) +

@@ -143,6 +143,8 @@ std::shared_ptr<File> File::open(const std::string &name, Access access) {
   file->stream_ = ::fdopen(descriptor, writing ? "wb" : "rb");
   if (file->stream_ == nullptr) {
     ::close(descriptor);
+    if (writing)
+      remove_regular_file(name);
     return nullptr;
   }
   // Files are written in many small pieces.
