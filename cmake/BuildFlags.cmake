@@ -22,7 +22,5 @@ if(QDLFLEX_SANITIZE)
   set(sanitizer_flags -fsanitize=${QDLFLEX_SANITIZE} -fno-sanitize-recover=all
                       -fno-omit-frame-pointer)
   target_compile_options(qdlflex_flags INTERFACE ${sanitizer_flags})
-  # Programs in C link the library's C++ too.
-  target_link_options(qdlflex_flags INTERFACE ${sanitizer_flags}
-    $<$<C_COMPILER_ID:Clang>:-fsanitize-link-c++-runtime>)
+  target_link_options(qdlflex_flags INTERFACE ${sanitizer_flags})
 endif()
