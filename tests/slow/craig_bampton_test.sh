@@ -8,8 +8,8 @@ output=$2
 rm -rf "$output"
 mkdir -p "$output"
 
-# A program without sanitizers can't load a library that has them.
-if ldd "$build/qdlflex/libqdlflex.so" | grep -q libasan; then
-  export CFLAGS=-fsanitize=address
+if nm -D "$build/qdlflex/libqdlflex.so" | grep -q __asan_init; then
+  echo "skipped: a program without sanitizers can't load a library that has them"
+  exit 77
 fi
 exec bash examples/craig_bampton/run.sh "$build" "$output"
