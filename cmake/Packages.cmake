@@ -5,7 +5,6 @@ set(CPACK_PACKAGE_NAME qdlflex)
 set(CPACK_PACKAGE_CONTACT
   "Seed 6195f965 maintainers <maintainers@users.noreply.c-seed-6195f965.example>")
 set(CPACK_STRIP_FILES ON)
-set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/cmake/StripStaticLibrary.cmake)
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
   OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
 
@@ -63,7 +62,9 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS ${PROJECT_BINARY_DIR}/qdlflex)
 # Before 1.0 a program wants the version that it was built with, or a later one of the same kind.
 set(CPACK_DEBIAN_PACKAGE_GENERATE_SHLIBS_POLICY ">=")
 
-set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/cmake/debian/documents.cmake)
+set(CPACK_PRE_BUILD_SCRIPTS
+  ${PROJECT_SOURCE_DIR}/cmake/debian/documents.cmake
+  ${PROJECT_SOURCE_DIR}/cmake/debian/strip_static_library.cmake)
 set(CPACK_POST_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/cmake/debian/no_scripts.cmake)
 set(CPACK_QDLFLEX_SOURCE_DIR ${PROJECT_SOURCE_DIR})
 include(CPack)

@@ -30,6 +30,8 @@ std::int64_t count_warning(const char *text) {
 }
 std::int64_t count_info(const char *text) {
   require(text != nullptr, "an information without text");
+  if (std::strstr(text, "co-linear vertex removal") != nullptr)
+    counted.tell_of_dropped_corners = true;
   return ++counted.infos;
 }
 

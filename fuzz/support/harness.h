@@ -21,6 +21,7 @@ inline void require(bool holds, std::string_view what) {
 
 struct Messages {
   int errors = 0, warnings = 0, infos = 0;
+  bool tell_of_dropped_corners = false;  // coarsening drops co-linear ones
 };
 
 // One execution. At its end every model is destroyed; then no temporary file and no descriptor may

@@ -38,11 +38,11 @@ std::set<std::string_view> left_out(std::string_view options, bool whole, const 
   if (!kinds.strain)
     sections.insert("prestrain");
   // Modes end at the first one without generalized mass. What belongs to modes is not written
-  // without any.
+  // without any, nor are nodes that only mode shapes name.
   if (!whole)
-    sections.insert({"modes", "eigenvalues", "transformation", "stiffness", "mass", "damping",
-                     "shapes", "stress", "strain", "prestress", "prestrain", "invariants",
-                     "preload", "loads", "rotor", "monitors"});
+    sections.insert({"nodes", "modes", "eigenvalues", "transformation", "stiffness", "mass",
+                     "damping", "shapes", "stress", "strain", "prestress", "prestrain",
+                     "invariants", "preload", "loads", "rotor", "monitors"});
   return sections;
 }
 
