@@ -177,8 +177,9 @@ QDL_API int32_t *QDL_GeometryNodes(QDL_Record *model, int32_t *count);
 QDL_API int32_t QDL_IsCoarsened(QDL_Record *model);
 
 /** Coarsens the faces: nodes in nearly flat patches are removed and the faces around each of them
- * merged into one polygon; then, if asked for, nearly co-linear corners are dropped. Interface
- * nodes stay. The faces' new order and their first nodes follow from the order of the nodes.
+ * merged into one polygon; then, if asked for, nearly co-linear corners are dropped, of a flat
+ * face down to fewer than three. Interface nodes stay. The faces' new order and their first nodes
+ * follow from the order of the nodes.
  * @param model handle; null: reported
  * @param arguments `resolution,angle,switch,node,node,...` with any single character between the
  *   numbers; null: nothing is done. The resolution is the reach of a removed node's faces as a
