@@ -177,16 +177,15 @@ QDL_API int32_t *QDL_GeometryNodes(QDL_Record *model, int32_t *count);
 QDL_API int32_t QDL_IsCoarsened(QDL_Record *model);
 
 /** Coarsens the faces: nodes in nearly flat patches are removed and the faces around each of them
- * merged into one polygon; then, if asked for, nearly co-linear corners are dropped, of a flat
- * face down to fewer than three. Interface nodes stay. The faces' new order and their first nodes
- * follow from the order of the nodes.
+ * merged into one polygon; then, if asked for, nearly co-linear corners are dropped. Interface
+ * nodes stay. The faces' new order and their first nodes follow from the order of the nodes.
  * @param model handle; null: reported
  * @param arguments `resolution,angle,switch,node,node,...` with any single character between the
  *   numbers; null: nothing is done. The resolution is the reach of a removed node's faces as a
  *   fraction of the model's diagonal, above 0 to 0.5, else a warning and 0.02. The angle between
  *   the faces around a removed node, above 0 to 45 degrees, else a warning and 10. A switch other
- *   than 0 drops co-linear corners. Then identifiers of nodes to be kept; the word `preserve_str`
- *   anywhere keeps the nodes of modal stress and strain.
+ *   than 0 drops co-linear corners, down to fewer than three. Then identifiers of nodes to be kept;
+ *   the word `preserve_str` anywhere keeps the nodes of modal stress and strain.
  * @return 1; 0 when there are no faces or no nodes, when faces name nodes that do not exist, or
  *   when memory runs out. @since 0.1 */
 QDL_API int32_t QDL_TrimGeometry(QDL_Record *model, const char *arguments);

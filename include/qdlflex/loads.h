@@ -24,8 +24,7 @@ extern "C" {
 QDL_API int32_t QDL_SetModalLoad(QDL_Record *model, int32_t loadCase, int32_t modeNumber,
                                  double value);
 
-/** Labels a modal load case; the cases up to it are created. Cases that only have labels are not
- * written.
+/** Labels a modal load case; the cases up to it are created. A label alone is not written.
  * @param model handle; null: reported @param loadCase case, not negative (reported)
  * @param label up to 255 characters, more are cut with a warning; empty or null: the case number
  *   counted from 1 @return 1 or 0. @since 0.1, slot 85 */
