@@ -131,7 +131,10 @@ const Curve kCurves[] = {
      "faces",
      {10000, 100000, 1000000},
      [](std::int32_t faces) {
-       return on_sheet(faces, [](QDL_Record *model) { QDL_TrimGeometry(model, "0.02,10,1"); });
+       // Patches of as many faces whatever the size.
+       const std::string arguments = std::to_string(2.0 / std::sqrt(faces)) + ",10,1";
+       return on_sheet(faces,
+                       [&](QDL_Record *model) { QDL_TrimGeometry(model, arguments.c_str()); });
      }},
 };
 
