@@ -1,6 +1,6 @@
 // Measures how the cost of jobs grows with what they work on; scripts/bench draws the curves.
 //
-//   growth       prints "job,unit,size,seconds" for every point
+//   growth       prints job, unit, size and seconds of every point as CSV
 
 #include <algorithm>
 #include <chrono>
@@ -143,7 +143,7 @@ const Curve kCurves[] = {
 int main() {
   for (const Curve &curve : kCurves) {
     for (const std::int32_t size : curve.sizes) {
-      std::printf("%s,%s,%d,%.9f\n", curve.job, curve.unit, size, curve.measure(size));
+      std::printf("\"%s\",%s,%d,%.9f\n", curve.job, curve.unit, size, curve.measure(size));
       std::fflush(stdout);
     }
   }

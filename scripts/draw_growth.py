@@ -1,4 +1,4 @@
-#!/usr/bin/env python3
+#!/usr/bin/python3
 """Draws growth curves from what bench/growth prints and tells how steep they are.
 
   scripts/draw_growth.py POINTS.csv PICTURE.png
