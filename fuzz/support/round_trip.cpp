@@ -20,7 +20,7 @@ void require_same_bytes(const std::string &first, const std::string &second) {
 }
 
 struct Kinds {
-  bool shapes, stress, strain;
+  bool nodes, shapes, stress, strain;
 };
 
 // The sections of a snapshot that a copy need not share.
@@ -38,11 +38,13 @@ std::set<std::string_view> left_out(std::string_view options, bool whole, const 
   if (!kinds.strain)
     sections.insert("prestrain");
   // Modes end at the first one without generalized mass. What belongs to modes is not written
-  // without any, nor are nodes that only mode shapes name.
+  // without any, and nodes that only they name go with them.
+  if (!whole && !kinds.nodes)
+    sections.insert("nodes");
   if (!whole)
-    sections.insert({"nodes", "modes", "eigenvalues", "transformation", "stiffness", "mass",
-                     "damping", "shapes", "stress", "strain", "prestress", "prestrain",
-                     "invariants", "preload", "loads", "rotor", "monitors"});
+    sections.insert({"modes", "eigenvalues", "transformation", "stiffness", "mass", "damping",
+                     "shapes", "stress", "strain", "prestress", "prestrain", "invariants",
+                     "preload", "loads", "rotor", "monitors"});
   return sections;
 }
 
@@ -65,9 +67,10 @@ void require_round_trip(QDL_Record *model, std::string_view options) {
     return;
   // Some getters derive data that a later write would then hold.
   const std::int32_t had_modes = QDL_ModeCount(model);
-  const Kinds kinds = {QDL_ModeExist(model, QDL_MODE_SHAPE) != 0,
-                       QDL_ModeExist(model, QDL_MODE_STRESS) != 0,
-                       QDL_ModeExist(model, QDL_MODE_STRAIN) != 0};
+  constexpr std::int32_t kCoordinates = 3;
+  const Kinds kinds = {
+      QDL_Exists(model, kCoordinates) != 0, QDL_ModeExist(model, QDL_MODE_SHAPE) != 0,
+      QDL_ModeExist(model, QDL_MODE_STRESS) != 0, QDL_ModeExist(model, QDL_MODE_STRAIN) != 0};
   // Readers refuse stress and strain modes beside neither eigenvalues nor mode shapes.
   const bool unsolved = options.find("no_ortho") != std::string_view::npos;
   if (unsolved && !kinds.shapes && (kinds.stress || kinds.strain))
