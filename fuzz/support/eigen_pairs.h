@@ -20,6 +20,7 @@ struct EigenPairs {
   std::vector<double> real, imaginary, beta, vectors;
   std::int32_t failed = 0;
   double lost = 1.0;  // factor by which residuals may be above rounding
+  double tiny = 0.0;  // the divisor in place of zero where eigenvalues are equal
 };
 
 EigenPairs solve(Pencil pencil, bool with_vectors);

@@ -11,6 +11,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <limits>
 
 namespace qdlfuzz {
 
@@ -187,7 +188,8 @@ double Bytes::real() {
   std::ranges::generate(raw, [this] { return byte(); });
   double value = 0.0;
   std::memcpy(&value, raw.data(), sizeof value);
-  return value;
+  // Arithmetic would make a signalling one quiet, which is no change that matters.
+  return std::isnan(value) ? std::copysign(std::numeric_limits<double>::quiet_NaN(), value) : value;
 }
 
 std::string_view Bytes::text(std::size_t most) {

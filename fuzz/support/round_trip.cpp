@@ -20,7 +20,7 @@ void require_same_bytes(const std::string &first, const std::string &second) {
 }
 
 struct Kinds {
-  bool nodes, shapes, stress, strain;
+  bool nodes, masses, shapes, stress, strain;
 };
 
 // The sections of a snapshot that a copy need not share.
@@ -32,6 +32,10 @@ std::set<std::string_view> left_out(std::string_view options, bool whole, const 
   // Mode numbers stand with the eigenvalues and the mode shapes.
   if (options.find("no_ortho") != std::string_view::npos && !kinds.shapes)
     sections.insert("modes");
+  // Without nodal masses invariants and global mass are derived from one another. A rigid motion
+  // moves all of them, which is the same but for rounding, or reports what it can't move.
+  if (!kinds.masses)
+    sections.insert({"global", "invariants"});
   // Pre-stress stands at the nodes of the stress modes, pre-strain at those of the strain modes.
   if (!kinds.stress)
     sections.insert("prestress");
@@ -67,10 +71,11 @@ void require_round_trip(QDL_Record *model, std::string_view options) {
     return;
   // Some getters derive data that a later write would then hold.
   const std::int32_t had_modes = QDL_ModeCount(model);
-  constexpr std::int32_t kCoordinates = 3;
-  const Kinds kinds = {
-      QDL_Exists(model, kCoordinates) != 0, QDL_ModeExist(model, QDL_MODE_SHAPE) != 0,
-      QDL_ModeExist(model, QDL_MODE_STRESS) != 0, QDL_ModeExist(model, QDL_MODE_STRAIN) != 0};
+  constexpr std::int32_t kCoordinates = 3, kNodalMasses = 8;
+  const Kinds kinds = {QDL_Exists(model, kCoordinates) != 0, QDL_Exists(model, kNodalMasses) != 0,
+                       QDL_ModeExist(model, QDL_MODE_SHAPE) != 0,
+                       QDL_ModeExist(model, QDL_MODE_STRESS) != 0,
+                       QDL_ModeExist(model, QDL_MODE_STRAIN) != 0};
   // Readers refuse stress and strain modes beside neither eigenvalues nor mode shapes.
   const bool unsolved = options.find("no_ortho") != std::string_view::npos;
   if (unsolved && !kinds.shapes && (kinds.stress || kinds.strain))
